@@ -1,8 +1,10 @@
 #include "nimb/json.h"
 
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <sstream>
 
 #include <QByteArray>
@@ -20,67 +22,75 @@ const int DATE_TIME_LENGTH = 23;
 const long long MS_PER_HOUR = 3600000;
 const long long MS_PER_MINUTE = 60000;
 
-std::string toUtf8(const QString& text)
-{
+std::string toUtf8(const QString& text) {
     const QByteArray bytes = text.toUtf8();
     return std::string(bytes.constData(), static_cast<size_t>(bytes.size()));
 }
 
-QString fromUtf8(const char* text)
-{
+QString fromUtf8(const char* text) {
     return QString::fromUtf8(text != nullptr ? text : "");
 }
 
-QString fromUtf8(const std::string& text)
-{
+QString fromUtf8(const std::string& text) {
     return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
 }
 
 // The local zone's current offset from UTC in milliseconds, east positive,
 // daylight saving time included: the distance between the local wall clock
 // and the UTC wall clock read as if it were local.
-long long localZoneOffset()
-{
+long long localZoneOffset() {
     const QDateTime local = QDateTime::currentDateTime();
     const QDateTime utc = local.toUTC();
     const QDateTime utcAsLocal(utc.date(), utc.time(), Qt::LocalTime);
     return utcAsLocal.msecsTo(local);
 }
 
-std::string zoneDesignator(long long offsetMs)
-{
+std::string zoneDesignator(long long offsetMs) {
     if (offsetMs == 0)
         return "Z";
     const long long absolute = std::llabs(offsetMs);
-    const QString text = QStringLiteral("%1%2:%3")
-                             .arg(offsetMs < 0 ? QLatin1Char('-') : QLatin1Char('+'))
-                             .arg(absolute / MS_PER_HOUR, 2, 10, QLatin1Char('0'))
-                             .arg((absolute % MS_PER_HOUR) / MS_PER_MINUTE, 2, 10, QLatin1Char('0'));
+    const QString text =
+        QStringLiteral("%1%2:%3")
+            .arg(offsetMs < 0 ? QLatin1Char('-') : QLatin1Char('+'))
+            .arg(absolute / MS_PER_HOUR, 2, 10, QLatin1Char('0'))
+            .arg((absolute % MS_PER_HOUR) / MS_PER_MINUTE, 2, 10, QLatin1Char('0'));
     return toUtf8(text);
 }
 
+// A number truncated toward zero. Casting NaN or a number beyond the 64-bit
+// range is undefined, so NaN reads as 0 and the others saturate.
+long long truncateToLongLong(double number) {
+    const double limit = 9223372036854775808.0;  // 2^63
+    if (std::isnan(number))
+        return 0;
+    if (number >= limit)
+        return std::numeric_limits<long long>::max();
+    if (number < -limit)
+        return std::numeric_limits<long long>::min();
+    return static_cast<long long>(number);
+}
+
 // The debug rendering shared by object members and array elements.
-std::string renderValue(const QJsonValue& value)
-{
+std::string renderValue(const QJsonValue& value) {
     switch (value.type()) {
-    case QJsonValue::Null:
-        return "null";
-    case QJsonValue::Bool:
-        return value.toBool() ? "1" : "0";
-    case QJsonValue::Double: {
-        // A default stream keeps six significant digits; the text is for logs.
-        std::ostringstream stream;
-        stream << value.toDouble();
-        return stream.str();
-    }
-    case QJsonValue::String:
-        return "\"" + toUtf8(value.toString()) + "\"";
-    case QJsonValue::Array:
-        return JsonArray(value.toArray()).toString();
-    case QJsonValue::Object:
-        return JsonObject(value.toObject()).toString();
-    default:
-        return "\"<undefined>\"";
+        case QJsonValue::Null:
+            return "null";
+        case QJsonValue::Bool:
+            return value.toBool() ? "1" : "0";
+        case QJsonValue::Double: {
+            // A default stream keeps six significant digits; the text is for logs.
+            std::ostringstream stream;
+            stream << value.toDouble();
+            return stream.str();
+        }
+        case QJsonValue::String:
+            return "\"" + toUtf8(value.toString()) + "\"";
+        case QJsonValue::Array:
+            return JsonArray(value.toArray()).toString();
+        case QJsonValue::Object:
+            return JsonObject(value.toObject()).toString();
+        default:
+            return "\"<undefined>\"";
     }
 }
 
@@ -106,8 +116,7 @@ JsonValue::JsonValue(const JsonObject& value) : m_value(value.toQJsonObject()) {
 JsonValue::JsonValue(const QJsonValue& value) : m_value(value) {}
 JsonValue::~JsonValue() = default;
 
-std::string JsonValue::toString() const
-{
+std::string JsonValue::toString() const {
     const QJsonValue value = toValue();
     if (value.isString())
         return toUtf8(value.toString());
@@ -119,97 +128,99 @@ std::string JsonValue::toString() const
     return std::string();
 }
 
-QJsonValue JsonValue::toValue() const
-{
+QJsonValue JsonValue::toValue() const {
     return m_value;
 }
 
-JsonValue& JsonValue::operator=(const JsonValue& other)
-{
+JsonValue& JsonValue::operator=(const JsonValue& other) {
     m_value = other.m_value;
     return *this;
 }
 
-JsonValue& JsonValue::operator=(bool value)
-{
+JsonValue& JsonValue::operator=(bool value) {
     m_value = QJsonValue(value ? 1 : 0);
     return *this;
 }
 
-JsonValue& JsonValue::operator=(int value)
-{
+JsonValue& JsonValue::operator=(int value) {
     m_value = QJsonValue(value);
     return *this;
 }
 
-JsonValue& JsonValue::operator=(long value)
-{
+JsonValue& JsonValue::operator=(long value) {
     // Truncation to the low 32 bits is the assignment's long-standing contract;
     // the constructor is the one that keeps the full range.
     m_value = QJsonValue(static_cast<int>(static_cast<std::uint32_t>(value)));
     return *this;
 }
 
-JsonValue& JsonValue::operator=(double value)
-{
+JsonValue& JsonValue::operator=(double value) {
     m_value = QJsonValue(value);
     return *this;
 }
 
-JsonValue& JsonValue::operator=(const char* value)
-{
+JsonValue& JsonValue::operator=(const char* value) {
     m_value = QJsonValue(fromUtf8(value));
     return *this;
 }
 
-JsonValue& JsonValue::operator=(const std::string& value)
-{
+JsonValue& JsonValue::operator=(const std::string& value) {
     m_value = QJsonValue(fromUtf8(value));
     return *this;
 }
 
-JsonValue& JsonValue::operator=(const JsonArray& value)
-{
+JsonValue& JsonValue::operator=(const JsonArray& value) {
     m_value = QJsonValue(value.toQJsonArray());
     return *this;
 }
 
-JsonValue& JsonValue::operator=(const JsonObject& value)
-{
+JsonValue& JsonValue::operator=(const JsonObject& value) {
     m_value = QJsonValue(value.toQJsonObject());
     return *this;
 }
 
-JsonValue::Type JsonValue::type() const
-{
+JsonValue::Type JsonValue::type() const {
     switch (toValue().type()) {
-    case QJsonValue::Bool:
-        return Bool;
-    case QJsonValue::Double:
-        return Double;
-    case QJsonValue::String:
-        return String;
-    case QJsonValue::Array:
-        return Array;
-    case QJsonValue::Object:
-        return Object;
-    case QJsonValue::Undefined:
-        return Undefined;
-    default:
-        return Null;
+        case QJsonValue::Bool:
+            return Bool;
+        case QJsonValue::Double:
+            return Double;
+        case QJsonValue::String:
+            return String;
+        case QJsonValue::Array:
+            return Array;
+        case QJsonValue::Object:
+            return Object;
+        case QJsonValue::Undefined:
+            return Undefined;
+        default:
+            return Null;
     }
 }
 
-bool JsonValue::isNull() const { return toValue().isNull(); }
-bool JsonValue::isBool() const { return toValue().isBool(); }
-bool JsonValue::isDouble() const { return toValue().isDouble(); }
-bool JsonValue::isString() const { return toValue().isString(); }
-bool JsonValue::isArray() const { return toValue().isArray(); }
-bool JsonValue::isObject() const { return toValue().isObject(); }
-bool JsonValue::isUndefined() const { return toValue().isUndefined(); }
+bool JsonValue::isNull() const {
+    return toValue().isNull();
+}
+bool JsonValue::isBool() const {
+    return toValue().isBool();
+}
+bool JsonValue::isDouble() const {
+    return toValue().isDouble();
+}
+bool JsonValue::isString() const {
+    return toValue().isString();
+}
+bool JsonValue::isArray() const {
+    return toValue().isArray();
+}
+bool JsonValue::isObject() const {
+    return toValue().isObject();
+}
+bool JsonValue::isUndefined() const {
+    return toValue().isUndefined();
+}
 
-bool JsonValue::toBool() const
-{
+bool JsonValue::toBool() const {
     const QJsonValue value = toValue();
     if (value.isBool())
         return value.toBool();
@@ -223,8 +234,7 @@ bool JsonValue::toBool() const
     return false;
 }
 
-double JsonValue::toDouble() const
-{
+double JsonValue::toDouble() const {
     const QJsonValue value = toValue();
     if (value.isDouble())
         return value.toDouble();
@@ -238,44 +248,37 @@ double JsonValue::toDouble() const
     return 0.0;
 }
 
-JsonArray JsonValue::toArray() const
-{
+JsonArray JsonValue::toArray() const {
     return JsonArray(toValue().toArray());
 }
 
-JsonObject JsonValue::toObject() const
-{
+JsonObject JsonValue::toObject() const {
     return JsonObject(toValue().toObject());
 }
 
-long long JsonValue::toDateTime() const
-{
+long long JsonValue::toDateTime() const {
     const QJsonValue value = toValue();
     if (value.isDouble())
-        return static_cast<long long>(value.toDouble());
+        return truncateToLongLong(value.toDouble());
     if (value.isString()) {
         // The zone designator behind the date and time is not read: the text
         // is local time as written by fromDateTime().
         const QString text = value.toString().left(DATE_TIME_LENGTH);
-        const QDateTime dateTime =
-            QDateTime::fromString(text, QLatin1String(DATE_TIME_FORMAT));
+        const QDateTime dateTime = QDateTime::fromString(text, QLatin1String(DATE_TIME_FORMAT));
         return dateTime.toMSecsSinceEpoch();
     }
     return 0;
 }
 
-bool JsonValue::operator==(const JsonValue& other) const
-{
+bool JsonValue::operator==(const JsonValue& other) const {
     return toValue() == other.toValue();
 }
 
-bool JsonValue::operator!=(const JsonValue& other) const
-{
+bool JsonValue::operator!=(const JsonValue& other) const {
     return !(*this == other);
 }
 
-JsonValue& JsonValue::fromDateTime(long long ms, int offsetMs)
-{
+JsonValue& JsonValue::fromDateTime(long long ms, int offsetMs) {
     const QDateTime local = QDateTime::fromMSecsSinceEpoch(ms + offsetMs, Qt::LocalTime);
     // The designator tells the zone of the machine now, not of offsetMs.
     const std::string text =
@@ -290,16 +293,14 @@ JsonObject::JsonObject() = default;
 JsonObject::JsonObject(const JsonObject& other) = default;
 JsonObject::JsonObject(const QJsonObject& object) : m_object(object) {}
 
-JsonObject::JsonObject(std::initializer_list<std::pair<std::string, JsonValue>> members)
-{
+JsonObject::JsonObject(std::initializer_list<std::pair<std::string, JsonValue>> members) {
     for (const auto& member : members)
         m_object.insert(fromUtf8(member.first), member.second.toValue());
 }
 
 JsonObject::~JsonObject() = default;
 
-std::string JsonObject::toString() const
-{
+std::string JsonObject::toString() const {
     std::string text = "{";
     bool first = true;
     for (auto it = m_object.constBegin(); it != m_object.constEnd(); ++it) {
@@ -311,80 +312,70 @@ std::string JsonObject::toString() const
     return text + "}";
 }
 
-JsonObject& JsonObject::operator=(const JsonObject& other)
-{
+JsonObject& JsonObject::operator=(const JsonObject& other) {
     m_object = other.m_object;
     return *this;
 }
 
-std::vector<std::string> JsonObject::keys() const
-{
+std::vector<std::string> JsonObject::keys() const {
     std::vector<std::string> result;
     for (const QString& key : m_object.keys())
         result.push_back(toUtf8(key));
     return result;
 }
 
-int JsonObject::size() const { return m_object.size(); }
-bool JsonObject::isEmpty() const { return m_object.isEmpty(); }
+int JsonObject::size() const {
+    return m_object.size();
+}
+bool JsonObject::isEmpty() const {
+    return m_object.isEmpty();
+}
 
-JsonValue JsonObject::value(const char* key) const
-{
+JsonValue JsonObject::value(const char* key) const {
     return JsonValue(m_object.value(fromUtf8(key)));
 }
 
-JsonValue JsonObject::value(const std::string& key) const
-{
+JsonValue JsonObject::value(const std::string& key) const {
     return value(key.c_str());
 }
 
-void JsonObject::setValue(const char* key, const JsonValue& value)
-{
+void JsonObject::setValue(const char* key, const JsonValue& value) {
     m_object.insert(fromUtf8(key), value.toValue());
 }
 
-void JsonObject::setValue(const std::string& key, const JsonValue& value)
-{
+void JsonObject::setValue(const std::string& key, const JsonValue& value) {
     setValue(key.c_str(), value);
 }
 
-void JsonObject::remove(const char* key)
-{
+void JsonObject::remove(const char* key) {
     m_object.remove(fromUtf8(key));
 }
 
-void JsonObject::remove(const std::string& key)
-{
+void JsonObject::remove(const std::string& key) {
     remove(key.c_str());
 }
 
-JsonValue JsonObject::take(const char* key)
-{
+JsonValue JsonObject::take(const char* key) {
     return JsonValue(m_object.take(fromUtf8(key)));
 }
 
-JsonValue JsonObject::take(const std::string& key)
-{
+JsonValue JsonObject::take(const std::string& key) {
     return take(key.c_str());
 }
 
-bool JsonObject::contains(const char* key) const
-{
+bool JsonObject::contains(const char* key) const {
     return m_object.contains(fromUtf8(key));
 }
 
-bool JsonObject::contains(const std::string& key) const
-{
+bool JsonObject::contains(const std::string& key) const {
     return contains(key.c_str());
 }
 
-bool JsonObject::operator==(const JsonObject& other) const
-{
+bool JsonObject::operator==(const JsonObject& other) const {
     return m_object == other.m_object;
 }
 
-bool JsonObject::operator!=(const JsonObject& other) const
-{
+bool JsonObject::operator!=(const JsonObject& other) const {
     return !(*this == other);
 }
 
@@ -395,8 +386,7 @@ JsonArray::JsonArray(const JsonArray& other) = default;
 JsonArray::JsonArray(const QJsonArray& array) : m_array(array) {}
 JsonArray::~JsonArray() = default;
 
-std::string JsonArray::toString() const
-{
+std::string JsonArray::toString() const {
     std::string text = "[";
     bool first = true;
     for (const std::string& element : toStringList()) {
@@ -408,41 +398,69 @@ std::string JsonArray::toString() const
     return text + "]";
 }
 
-JsonArray& JsonArray::operator=(const JsonArray& other)
-{
+JsonArray& JsonArray::operator=(const JsonArray& other) {
     m_array = other.m_array;
     return *this;
 }
 
-int JsonArray::size() const { return m_array.size(); }
-bool JsonArray::isEmpty() const { return m_array.isEmpty(); }
-JsonValue JsonArray::at(int index) const { return JsonValue(m_array.at(index)); }
-JsonValue JsonArray::first() const { return JsonValue(m_array.first()); }
-JsonValue JsonArray::last() const { return JsonValue(m_array.last()); }
-void JsonArray::prepend(const JsonValue& value) { m_array.prepend(value.toValue()); }
-void JsonArray::append(const JsonValue& value) { m_array.append(value.toValue()); }
-void JsonArray::removeAt(int index) { m_array.removeAt(index); }
-JsonValue JsonArray::takeAt(int index) { return JsonValue(m_array.takeAt(index)); }
-void JsonArray::removeFirst() { m_array.removeFirst(); }
-void JsonArray::removeLast() { m_array.removeLast(); }
-void JsonArray::insert(int index, const JsonValue& value) { m_array.insert(index, value.toValue()); }
-void JsonArray::replace(int index, const JsonValue& value) { m_array.replace(index, value.toValue()); }
-bool JsonArray::contains(const JsonValue& value) const { return m_array.contains(value.toValue()); }
-JsonValue JsonArray::value(int index) const { return at(index); }
-void JsonArray::setValue(int index, const JsonValue& value) { m_array[index] = value.toValue(); }
+int JsonArray::size() const {
+    return m_array.size();
+}
+bool JsonArray::isEmpty() const {
+    return m_array.isEmpty();
+}
+JsonValue JsonArray::at(int index) const {
+    return JsonValue(m_array.at(index));
+}
+JsonValue JsonArray::first() const {
+    return JsonValue(m_array.first());
+}
+JsonValue JsonArray::last() const {
+    return JsonValue(m_array.last());
+}
+void JsonArray::prepend(const JsonValue& value) {
+    m_array.prepend(value.toValue());
+}
+void JsonArray::append(const JsonValue& value) {
+    m_array.append(value.toValue());
+}
+void JsonArray::removeAt(int index) {
+    m_array.removeAt(index);
+}
+JsonValue JsonArray::takeAt(int index) {
+    return JsonValue(m_array.takeAt(index));
+}
+void JsonArray::removeFirst() {
+    m_array.removeFirst();
+}
+void JsonArray::removeLast() {
+    m_array.removeLast();
+}
+void JsonArray::insert(int index, const JsonValue& value) {
+    m_array.insert(index, value.toValue());
+}
+void JsonArray::replace(int index, const JsonValue& value) {
+    m_array.replace(index, value.toValue());
+}
+bool JsonArray::contains(const JsonValue& value) const {
+    return m_array.contains(value.toValue());
+}
+JsonValue JsonArray::value(int index) const {
+    return at(index);
+}
+void JsonArray::setValue(int index, const JsonValue& value) {
+    m_array[index] = value.toValue();
+}
 
-bool JsonArray::operator==(const JsonArray& other) const
-{
+bool JsonArray::operator==(const JsonArray& other) const {
     return m_array == other.m_array;
 }
 
-bool JsonArray::operator!=(const JsonArray& other) const
-{
+bool JsonArray::operator!=(const JsonArray& other) const {
     return !(*this == other);
 }
 
-std::vector<std::string> JsonArray::toStringList() const
-{
+std::vector<std::string> JsonArray::toStringList() const {
     std::vector<std::string> result;
     result.reserve(static_cast<size_t>(m_array.size()));
     for (const QJsonValue& element : m_array)
@@ -450,8 +468,7 @@ std::vector<std::string> JsonArray::toStringList() const
     return result;
 }
 
-void JsonArray::fromStringList(const std::vector<std::string>& list)
-{
+void JsonArray::fromStringList(const std::vector<std::string>& list) {
     QJsonArray array;
     for (const std::string& text : list)
         array.append(QJsonValue(fromUtf8(text)));
@@ -462,70 +479,82 @@ void JsonArray::fromStringList(const std::vector<std::string>& list)
 
 JsonDocument::JsonDocument() = default;
 JsonDocument::JsonDocument(const JsonDocument& other) = default;
-JsonDocument::JsonDocument(const JsonObject& object) { setObject(object); }
-JsonDocument::JsonDocument(const JsonArray& array) { setArray(array); }
+JsonDocument::JsonDocument(const JsonObject& object) {
+    setObject(object);
+}
+JsonDocument::JsonDocument(const JsonArray& array) {
+    setArray(array);
+}
 JsonDocument::JsonDocument(const QJsonDocument& document) : m_document(document) {}
 JsonDocument::~JsonDocument() = default;
 
-std::string JsonDocument::toString() const
-{
+std::string JsonDocument::toString() const {
     return toJson(false);
 }
 
-JsonDocument& JsonDocument::operator=(const JsonDocument& other)
-{
+JsonDocument& JsonDocument::operator=(const JsonDocument& other) {
     m_document = other.m_document;
     return *this;
 }
 
-JsonDocument& JsonDocument::operator=(const JsonObject& object)
-{
+JsonDocument& JsonDocument::operator=(const JsonObject& object) {
     setObject(object);
     return *this;
 }
 
-JsonDocument& JsonDocument::operator=(const JsonArray& array)
-{
+JsonDocument& JsonDocument::operator=(const JsonArray& array) {
     setArray(array);
     return *this;
 }
 
-bool JsonDocument::isEmpty() const { return m_document.isEmpty(); }
-bool JsonDocument::isArray() const { return m_document.isArray(); }
-bool JsonDocument::isObject() const { return m_document.isObject(); }
-bool JsonDocument::isNull() const { return m_document.isNull(); }
+bool JsonDocument::isEmpty() const {
+    return m_document.isEmpty();
+}
+bool JsonDocument::isArray() const {
+    return m_document.isArray();
+}
+bool JsonDocument::isObject() const {
+    return m_document.isObject();
+}
+bool JsonDocument::isNull() const {
+    return m_document.isNull();
+}
 
-std::string JsonDocument::toJson(bool indented) const
-{
+std::string JsonDocument::toJson(bool indented) const {
     const QByteArray bytes =
         m_document.toJson(indented ? QJsonDocument::Indented : QJsonDocument::Compact);
     // Up to the first NUL, which valid output never holds.
-    return std::string(bytes.constData(), strnlen(bytes.constData(), static_cast<size_t>(bytes.size())));
+    return std::string(bytes.constData(),
+                       strnlen(bytes.constData(), static_cast<size_t>(bytes.size())));
 }
 
-JsonObject JsonDocument::object() const { return JsonObject(m_document.object()); }
-JsonArray JsonDocument::array() const { return JsonArray(m_document.array()); }
-void JsonDocument::setObject(const JsonObject& object) { m_document.setObject(object.toQJsonObject()); }
-void JsonDocument::setArray(const JsonArray& array) { m_document.setArray(array.toQJsonArray()); }
+JsonObject JsonDocument::object() const {
+    return JsonObject(m_document.object());
+}
+JsonArray JsonDocument::array() const {
+    return JsonArray(m_document.array());
+}
+void JsonDocument::setObject(const JsonObject& object) {
+    m_document.setObject(object.toQJsonObject());
+}
+void JsonDocument::setArray(const JsonArray& array) {
+    m_document.setArray(array.toQJsonArray());
+}
 
-bool JsonDocument::operator==(const JsonDocument& other) const
-{
+bool JsonDocument::operator==(const JsonDocument& other) const {
     return m_document == other.m_document;
 }
 
-bool JsonDocument::operator!=(const JsonDocument& other) const
-{
+bool JsonDocument::operator!=(const JsonDocument& other) const {
     return !(*this == other);
 }
 
-void JsonDocument::fromRawData(const void* data, unsigned long size)
-{
+void JsonDocument::fromRawData(const void* data, unsigned long size) {
     const QByteArray bytes(static_cast<const char*>(data), static_cast<int>(size));
     m_document = QJsonDocument::fromJson(bytes);
 }
 
-void JsonDocument::fromJson(const char* text)
-{
+void JsonDocument::fromJson(const char* text) {
     if (text == nullptr) {
         m_document = QJsonDocument();
         return;
@@ -533,8 +562,7 @@ void JsonDocument::fromJson(const char* text)
     fromRawData(text, std::strlen(text));
 }
 
-void JsonDocument::fromJson(const std::string& text)
-{
+void JsonDocument::fromJson(const std::string& text) {
     fromJson(text.c_str());
 }
 

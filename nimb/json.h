@@ -113,7 +113,8 @@ public:
     // The array or object when the type matches, otherwise an empty one.
     virtual JsonArray toArray() const;
     virtual JsonObject toObject() const;
-    // Milliseconds since the epoch. A number is truncated to 64 bits; a
+    // Milliseconds since the epoch. A number is truncated toward zero to 64
+    // bits (NaN gives 0, numbers beyond the range saturate); a
     // string is read from its first 23 characters as local time
     // "yyyy-MM-ddTHH:mm:ss.zzz" (a zone designator behind them is ignored);
     // anything else gives 0.
@@ -250,7 +251,8 @@ public:
     virtual JsonDocument& operator=(const JsonDocument& other);
     virtual JsonDocument& operator=(const JsonObject& object);
     virtual JsonDocument& operator=(const JsonArray& array);
-    // True for a null document and for an empty object or array.
+    // True when the document holds neither an object nor an array (an empty
+    // object or array is content).
     virtual bool isEmpty() const;
     virtual bool isArray() const;
     virtual bool isObject() const;
