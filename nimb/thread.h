@@ -89,7 +89,7 @@ private:
     // for them too.
     std::vector<std::unique_ptr<std::thread>> m_earlier;
     std::mutex m_mutex;
-    // Written by the owner and read by the body (and the reverse).
+    // Atomic: one thread writes them while another polls them.
     std::atomic<bool> m_stopping{false};
     std::atomic<bool> m_running{false};
     // Guards m_bodies; start() holds it until the new thread is stored.
@@ -155,7 +155,7 @@ protected:
     explicit Timer(bool oneShot);
 
 private:
-    // Read by the timer's thread while the owner may change it.
+    // Atomic: the timer's thread reads it while the owner may change it.
     std::atomic<std::uint64_t> m_interval{0};
     TimerThread m_thread;
     const bool m_oneShot;
