@@ -160,6 +160,10 @@ public:
     // The architecture of a machine name as uname reports it ("x86_64",
     // "AArch64"); case, surrounding blanks and quotes do not matter.
     static OsInfo::Arch getSysArch(const std::string& machine);
+
+private:
+    // The platform half of getSysPlatform: the package-tool probes.
+    static OsInfo::Platform getSysPlatformFromTools();
 };
 
 }  // namespace nimb
