@@ -2,12 +2,11 @@
 
 #include <cmath>
 #include <limits>
-#include <sstream>
-#include <vector>
 
 #include <QDateTime>
-#include <QRegExp>
 #include <QString>
+
+#include "nimb/file.h"
 
 namespace tessary {
 
@@ -437,8 +436,7 @@ std::string PortInfo::toString() const {
 std::string PortInfo::extractNameFromPath(const char* path, const PortType& /*type*/) const {
     if (path == nullptr || *path == '\0')
         return std::string();
-    // The last section after any of the path separators "\", ":", ";", "/".
-    return QString::fromUtf8(path).section(QRegExp("[\\\\:;/]"), -1, -1).toStdString();
+    return nimb::File::extractFileName(path);
 }
 
 PortInfo& PortInfo::operator=(const PortInfo& other) = default;

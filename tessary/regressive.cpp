@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include <QDateTime>
+#include "nimb/system.h"
 
 namespace tessary {
 
@@ -16,8 +16,7 @@ const ShutdownCause COUNTED_CAUSES[] = {ShutdownCause::Manual,    ShutdownCause:
                                         ShutdownCause::LoBattery, ShutdownCause::Failure,
                                         ShutdownCause::Scheduled, ShutdownCause::PowerLook};
 
-// Wall-clock milliseconds since the epoch.
-std::uint64_t now() { return static_cast<std::uint64_t>(QDateTime::currentMSecsSinceEpoch()); }
+std::uint64_t now() { return nimb::System::getSystemTick(); }
 
 // A JSON number truncated toward zero; NaN reads 0 and numbers beyond the
 // range saturate, where a plain cast would be undefined.

@@ -3,10 +3,10 @@
 #include <string>
 #include <thread>
 
-#include <QDateTime>
 #include <gtest/gtest.h>
 
 #include "nimb/json.h"
+#include "nimb/system.h"
 #include "tessary/regressive.h"
 
 using nimb::JsonDocument;
@@ -25,7 +25,7 @@ JsonObject parsed(const std::string& text) {
     return document.object();
 }
 
-std::uint64_t nowMs() { return static_cast<std::uint64_t>(QDateTime::currentMSecsSinceEpoch()); }
+std::uint64_t nowMs() { return nimb::System::getSystemTick(); }
 
 void sleepMs(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
 
