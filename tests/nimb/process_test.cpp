@@ -40,9 +40,10 @@ protected:
     }
     // Runs a child that writes its id and sleeps; the result of the wait.
     int runSleeper(unsigned long timeoutMs) {
-        const int rc = Process::createNewAndWait("echo $$ > '" + path("pid") + "'; exec sleep 60",
+        const std::string file = "sleeper" + std::to_string(m_children.size());
+        const int rc = Process::createNewAndWait("echo $$ > '" + path(file) + "'; exec sleep 60",
                                                  timeoutMs);
-        m_children.push_back(std::stoi(read("pid")));
+        m_children.push_back(std::stoi(read(file)));
         return rc;
     }
 
