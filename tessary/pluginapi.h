@@ -15,6 +15,8 @@ class Logger;
 namespace tessary {
 class Computer;
 class Device;
+class ClientConfig;
+class DetectionConfig;
 class DeviceConfig;
 class DeviceDialCfg;
 class DeviceEventApp;
@@ -22,6 +24,7 @@ class DeviceMailCfg;
 class DeviceSchedule;
 class DeviceShutCfg;
 class LogEntry;
+class MonitConfig;
 class NotifyConfig;
 class Regressive;
 class TesConfig;
@@ -83,6 +86,10 @@ using ComputerRecordFn = int(const void* handle, const char* host, const char* c
 
 }  // namespace tessary
 
+// Both plug-ins export a getDeviceConfig of their own, so a translation unit
+// sees the declarations of one plug-in only: the configuration plug-in's
+// when TESSARY_CONFIG_PLUGIN is defined, the client plug-in's otherwise.
+#ifndef TESSARY_CONFIG_PLUGIN
 extern "C" {
 tessary::OpenCliFn openCli;
 tessary::CloseCliFn closeCli;
@@ -131,4 +138,37 @@ tessary::ComputerRecordFn<tessary::TesConfig> updTessaryConfig;
 tessary::ComputerRecordFn<tessary::NotifyConfig> notifyConfig;
 tessary::ComputerRecordFn<tessary::NotifyConfig> updNotifyConfig;
 }
+#endif
 // ---- end of client.so -----------------------------------------------------
+
+// ---- config.so ------------------------------------------------------------
+// Each configuration is opened (a null handle is a failure), read by any
+// number of getters (a result below 0 is a failure) and closed. Getters fill
+// the record behind their last pointer.
+namespace tessary {
+
+using OpenConfigFn = void*();
+using CloseConfigFn = void(const void* handle);
+using GetDetectionConfigFn = int(const void* handle, DetectionConfig* out);
+// family and model identify the device model.
+using GetDeviceModelConfigFn = int(const void* handle, int family, int model, DeviceConfig* out);
+using GetMonitConfigFn = int(const void* handle, MonitConfig* out);
+using GetClientConfigFn = int(const void* handle, ClientConfig* out);
+
+}  // namespace tessary
+
+#ifdef TESSARY_CONFIG_PLUGIN
+extern "C" {
+tessary::OpenConfigFn openDevicesConfig;
+tessary::CloseConfigFn closeDevicesConfig;
+tessary::GetDetectionConfigFn getDetectionConfig;
+tessary::GetDeviceModelConfigFn getDeviceConfig;
+tessary::OpenConfigFn openMonitConfig;
+tessary::CloseConfigFn closeMonitConfig;
+tessary::GetMonitConfigFn getMonitConfig;
+tessary::OpenConfigFn openClientConfig;
+tessary::CloseConfigFn closeClientConfig;
+tessary::GetClientConfigFn getClientConfig;
+}
+#endif
+// ---- end of config.so -----------------------------------------------------

@@ -1,0 +1,7 @@
+#include "tessary/configmgr.h"
+
+namespace tessary {
+
+ConfigManagerBase::~ConfigManagerBase() = default;
+
+}  // namespace tessary
