@@ -1,0 +1,246 @@
+#include "tessary/config.h"
+#include "tessary/config_testing.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <pwd.h>
+#include <grp.h>
+#include <sched.h>
+#include <stdlib.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <climits>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "nimb/json.h"
+
+namespace {
+
+using tessary::TesConfig;
+
+TEST(TesConfigTest, DefaultsAndTextForm) {
+    TesConfig config;
+    EXPECT_EQ(config.toString(), "tesConfig: {id=1,detect=1,theme=1,style=2}");
+    config.id = 4;
+    config.detect = 0;
+    config.theme = 3;
+    config.style = 4000000000u;
+    EXPECT_EQ(config.toStr(), "tesConfig: {id=4,detect=0,theme=3,style=4000000000}");
+    TesConfig copy(config);
+    config.clear();
+    EXPECT_EQ(config.toString(), "tesConfig: {id=1,detect=1,theme=1,style=2}");
+    EXPECT_EQ(copy.toString(), "tesConfig: {id=4,detect=0,theme=3,style=4000000000}");
+}
+
+TEST(TesConfigTest, JsonForms) {
+    TesConfig config;
+    config.id = 7;
+    config.theme = 5;
+    EXPECT_EQ(nimb::JsonDocument(config.toJson()).toJson(false),
+              R"({"detect":1,"id":7,"style":2,"theme":5})");
+
+    struct Row {
+        const char* json;
+        const char* expected;
+    };
+    const Row rows[] = {
+        {R"({"id":9,"detect":0,"theme":4,"style":3})", "tesConfig: {id=1,detect=0,theme=4,style=3}"},
+        {R"({"style":3.9,"theme":"6"})", "tesConfig: {id=1,detect=0,theme=6,style=3}"},
+        {R"({})", "tesConfig: {id=1,detect=0,theme=0,style=0}"},
+    };
+    for (const Row& row : rows) {
+        nimb::JsonDocument document;
+        document.fromJson(row.json);
+        TesConfig read;
+        read.style = 77;
+        EXPECT_EQ(read.fromJson(document.object()).toString(), row.expected) << row.json;
+    }
+}
+
+// Runs body in a forked child and returns what it returned, or nothing when
+// the child failed; the child's failure text goes to *failure.
+std::optional<std::string> inChild(const std::function<std::string(std::string*)>& body,
+                                   std::string* failure) {
+    int fds[2];
+    if (pipe(fds) != 0)
+        return std::nullopt;
+    const pid_t pid = fork();
+    if (pid == 0) {
+        close(fds[0]);
+        std::string error;
+        const std::string result = body(&error);
+        const std::string message = (error.empty() ? "+" : "-") + (error.empty() ? result : error);
+        if (write(fds[1], message.data(), message.size()) < 0)
+            _exit(2);
+        _exit(0);
+    }
+    close(fds[1]);
+    std::string out;
+    char buffer[512];
+    ssize_t n;
+    while ((n = read(fds[0], buffer, sizeof buffer)) > 0)
+        out.append(buffer, static_cast<size_t>(n));
+    close(fds[0]);
+    int status = 0;
+    waitpid(pid, &status, 0);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0 || out.empty() || out[0] != '+') {
+        *failure = out.empty() ? "child died" : out.substr(1);
+        return std::nullopt;
+    }
+    return out.substr(1);
+}
+
+class SuitePathTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_dir.isValid());
+        char resolved[PATH_MAX];
+        ASSERT_NE(realpath(SHUTSVC_TEST_BIN_DIR, resolved), nullptr);
+        m_exeDir = std::string(resolved) + "/";
+    }
+    void TearDown() override { tessary::testing::setSuiteConfigFile(""); }
+
+    std::string writeConf(const QByteArray& text) {
+        const QString path = m_dir.filePath("tessary.conf");
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(text);
+        return path.toStdString();
+    }
+
+    QTemporaryDir m_dir;
+    std::string m_exeDir;
+};
+
+TEST_F(SuitePathTest, ReadsTheSystemFileByDefault) {
+    EXPECT_EQ(tessary::testing::suiteConfigFile(), "/etc/tessary.conf");
+    tessary::testing::setSuiteConfigFile("/tmp/other.conf");
+    EXPECT_EQ(tessary::testing::suiteConfigFile(), "/tmp/other.conf");
+    tessary::testing::setSuiteConfigFile("");
+    EXPECT_EQ(tessary::testing::suiteConfigFile(), "/etc/tessary.conf");
+}
+
+TEST_F(SuitePathTest, ConfiguredPathWinsElseExecutableFolder) {
+    struct Row {
+        const char* name;
+        std::optional<QByteArray> conf;  // nullopt: no file at all
+        std::string expected;            // empty: the executable's folder
+    };
+    const Row rows[] = {
+        {"plain", QByteArray("[TESSARY]\nPATH=/opt/x\n"), "/opt/x/"},
+        {"trailing slash", QByteArray("[TESSARY]\nPATH=/opt/x/\n"), "/opt/x/"},
+        {"utf-8", QByteArray("[TESSARY]\nPATH=/opt/t\xC3\xA9ssary\n"), "/opt/t\xC3\xA9ssary/"},
+        {"comma", QByteArray("[TESSARY]\nPATH=/opt/a,b\n"), "/opt/a,b/"},
+        {"other keys", QByteArray("[OTHER]\nX=1\n[TESSARY]\nNAME=n\nPATH=/srv/t\n"), "/srv/t/"},
+        {"no file", std::nullopt, ""},
+        {"empty file", QByteArray(""), ""},
+        {"wrong group", QByteArray("[OTHER]\nPATH=/opt/x\n"), ""},
+        {"top level key", QByteArray("PATH=/opt/x\n"), ""},
+        {"empty value", QByteArray("[TESSARY]\nPATH=\n"), ""},
+        {"lower-case key", QByteArray("[TESSARY]\npath=/opt/x\n"), ""},
+    };
+    for (const Row& row : rows) {
+        std::string file = m_dir.filePath("missing.conf").toStdString();
+        if (row.conf)
+            file = writeConf(*row.conf);
+        tessary::testing::setSuiteConfigFile(file);
+        EXPECT_EQ(TesConfig::getTessaryPath(), row.expected.empty() ? m_exeDir : row.expected)
+            << row.name;
+    }
+    EXPECT_FALSE(QFile::exists(m_dir.filePath("missing.conf")));
+}
+
+TEST_F(SuitePathTest, UserPathFromHomeOrPasswordDatabase) {
+    tessary::testing::setSuiteConfigFile(writeConf("[TESSARY]\nPATH=/opt/suite\n"));
+    const char* saved = getenv("HOME");
+    const std::string savedHome = saved ? saved : "";
+
+    const std::pair<const char*, std::string> rows[] = {
+        {"/home/u", "/home/u/.tessary/"},
+        {"/home/u/", "/home/u/.tessary/"},
+        {"/", "/.tessary/"},
+    };
+    for (const auto& row : rows) {
+        setenv("HOME", row.first, 1);
+        EXPECT_EQ(TesConfig::getUserTessaryPath(), row.second) << row.first;
+    }
+
+    unsetenv("HOME");
+    const passwd* entry = getpwuid(getuid());
+    ASSERT_NE(entry, nullptr);
+    const std::string fromDatabase = TesConfig::getUserTessaryPath();
+    if (saved)
+        setenv("HOME", savedHome.c_str(), 1);
+    const std::string dir = entry->pw_dir;
+    EXPECT_EQ(fromDatabase, dir + (dir.back() == '/' ? "" : "/") + ".tessary/");
+}
+
+TEST_F(SuitePathTest, UserPathFallsBackToSuitePathWithoutAnyHome) {
+    if (geteuid() != 0)
+        GTEST_FAIL() << "needs root to run a child as a user without a password entry";
+    tessary::testing::setSuiteConfigFile(writeConf("[TESSARY]\nPATH=/opt/suite\n"));
+    // The child's user must still read the file.
+    ASSERT_TRUE(QFile::setPermissions(m_dir.path(), QFile::ReadOwner | QFile::WriteOwner |
+                                                        QFile::ExeOwner | QFile::ReadOther |
+                                                        QFile::ExeOther));
+    ASSERT_TRUE(QFile::setPermissions(m_dir.filePath("tessary.conf"),
+                                      QFile::ReadOwner | QFile::ReadOther));
+    // A user id that no password entry names.
+    uid_t stranger = 54321;
+    while (getpwuid(stranger) != nullptr)
+        ++stranger;
+    std::string failure;
+    const auto result = inChild(
+        [stranger](std::string* error) {
+            unsetenv("HOME");
+            if (setgroups(0, nullptr) != 0 || setgid(stranger) != 0 || setuid(stranger) != 0) {
+                *error = "cannot become a user without a password entry";
+                return std::string();
+            }
+            return TesConfig::getUserTessaryPath();
+        },
+        &failure);
+    ASSERT_TRUE(result) << failure;
+    EXPECT_EQ(*result, "/opt/suite/");
+}
+
+// The one test that reads "/etc/tessary.conf" itself: a child process in a
+// private mount namespace sees a temporary folder bound over /etc, so the
+// real file is never read or written.
+TEST_F(SuitePathTest, SystemFileInPrivateMountNamespace) {
+    ASSERT_TRUE(QDir(m_dir.path()).mkdir("etc"));
+    QFile conf(m_dir.filePath("etc/tessary.conf"));
+    ASSERT_TRUE(conf.open(QIODevice::WriteOnly));
+    conf.write("[TESSARY]\nPATH=/opt/isolated\n");
+    conf.close();
+    const std::string etc = m_dir.filePath("etc").toStdString();
+
+    std::string failure;
+    const auto result = inChild(
+        [&etc](std::string* error) {
+            if (unshare(CLONE_NEWNS) != 0) {
+                *error = "cannot make a private mount namespace (unshare needs root): the "
+                         "system configuration file is not read in this test";
+                return std::string();
+            }
+            if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                mount(etc.c_str(), "/etc", nullptr, MS_BIND, nullptr) != 0) {
+                *error = "cannot bind a temporary folder over /etc in the private namespace";
+                return std::string();
+            }
+            return TesConfig::getTessaryPath();
+        },
+        &failure);
+    ASSERT_TRUE(result) << failure;
+    EXPECT_EQ(*result, "/opt/isolated/");
+}
+
+}  // namespace
