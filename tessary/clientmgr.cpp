@@ -97,7 +97,7 @@ Device ClientManagerBase::device(const char* device) {
 }
 
 Device ClientManagerBase::device(const char* host, const char* device) {
-    return this->device(nullptr, host, device);
+    return this->device(host, nullptr, device);
 }
 
 int ClientManagerBase::deleteDevice(const char* device) {
@@ -105,7 +105,7 @@ int ClientManagerBase::deleteDevice(const char* device) {
 }
 
 int ClientManagerBase::deleteDevice(const char* host, const char* device) {
-    return this->deleteDevice(nullptr, host, device);
+    return this->deleteDevice(host, nullptr, device);
 }
 
 DeviceConfig ClientManagerBase::config(const char* device) {
@@ -113,7 +113,7 @@ DeviceConfig ClientManagerBase::config(const char* device) {
 }
 
 DeviceConfig ClientManagerBase::config(const char* host, const char* device) {
-    return this->config(nullptr, host, device);
+    return this->config(host, nullptr, device);
 }
 
 Regressive ClientManagerBase::counter(const char* device) {
@@ -121,7 +121,7 @@ Regressive ClientManagerBase::counter(const char* device) {
 }
 
 Regressive ClientManagerBase::counter(const char* host, const char* device) {
-    return this->counter(nullptr, host, device);
+    return this->counter(host, nullptr, device);
 }
 
 int ClientManagerBase::changeUserDevice(const char* device, const char* userName,
@@ -131,7 +131,7 @@ int ClientManagerBase::changeUserDevice(const char* device, const char* userName
 
 int ClientManagerBase::changeUserDevice(const char* host, const char* device, const char* userName,
                                         const char* userProd) {
-    return this->changeUserDevice(nullptr, host, device, userName, userProd);
+    return this->changeUserDevice(host, nullptr, device, userName, userProd);
 }
 
 int ClientManagerBase::changeColorDevice(const char* device, int red, int green, int blue,
@@ -141,7 +141,7 @@ int ClientManagerBase::changeColorDevice(const char* device, int red, int green,
 
 int ClientManagerBase::changeColorDevice(const char* host, const char* device, int red, int green,
                                          int blue, bool flag) {
-    return this->changeColorDevice(nullptr, host, device, red, green, blue, flag);
+    return this->changeColorDevice(host, nullptr, device, red, green, blue, flag);
 }
 
 int ClientManagerBase::clearEventsDevice(const char* device) {
@@ -149,7 +149,7 @@ int ClientManagerBase::clearEventsDevice(const char* device) {
 }
 
 int ClientManagerBase::clearEventsDevice(const char* host, const char* device) {
-    return this->clearEventsDevice(nullptr, host, device);
+    return this->clearEventsDevice(host, nullptr, device);
 }
 
 std::vector<LogEntry> ClientManagerBase::deviceLog(const char* device) {
@@ -157,7 +157,7 @@ std::vector<LogEntry> ClientManagerBase::deviceLog(const char* device) {
 }
 
 std::vector<LogEntry> ClientManagerBase::deviceLog(const char* host, const char* device) {
-    return this->deviceLog(nullptr, host, device);
+    return this->deviceLog(host, nullptr, device);
 }
 
 std::vector<LogEntry> ClientManagerBase::deviceLogHour(const char* device) {
@@ -165,7 +165,7 @@ std::vector<LogEntry> ClientManagerBase::deviceLogHour(const char* device) {
 }
 
 std::vector<LogEntry> ClientManagerBase::deviceLogHour(const char* host, const char* device) {
-    return this->deviceLogHour(nullptr, host, device);
+    return this->deviceLogHour(host, nullptr, device);
 }
 
 std::vector<LogEntry> ClientManagerBase::deviceLogDay(const char* device) {
@@ -173,7 +173,7 @@ std::vector<LogEntry> ClientManagerBase::deviceLogDay(const char* device) {
 }
 
 std::vector<LogEntry> ClientManagerBase::deviceLogDay(const char* host, const char* device) {
-    return this->deviceLogDay(nullptr, host, device);
+    return this->deviceLogDay(host, nullptr, device);
 }
 
 std::vector<LogEntry> ClientManagerBase::deviceLogMonth(const char* device) {
@@ -181,7 +181,7 @@ std::vector<LogEntry> ClientManagerBase::deviceLogMonth(const char* device) {
 }
 
 std::vector<LogEntry> ClientManagerBase::deviceLogMonth(const char* host, const char* device) {
-    return this->deviceLogMonth(nullptr, host, device);
+    return this->deviceLogMonth(host, nullptr, device);
 }
 
 DeviceMailCfg ClientManagerBase::devMailConfig(const char* device) {
@@ -189,7 +189,7 @@ DeviceMailCfg ClientManagerBase::devMailConfig(const char* device) {
 }
 
 DeviceMailCfg ClientManagerBase::devMailConfig(const char* host, const char* device) {
-    return this->devMailConfig(nullptr, host, device);
+    return this->devMailConfig(host, nullptr, device);
 }
 
 int ClientManagerBase::updDevMailConfig(const char* device, DeviceMailCfg* config) {
@@ -198,7 +198,7 @@ int ClientManagerBase::updDevMailConfig(const char* device, DeviceMailCfg* confi
 
 int ClientManagerBase::updDevMailConfig(const char* host, const char* device,
                                         DeviceMailCfg* config) {
-    return this->updDevMailConfig(nullptr, host, device, config);
+    return this->updDevMailConfig(host, nullptr, device, config);
 }
 
 int ClientManagerBase::manualDevMailTest(const char* device) {
@@ -206,7 +206,7 @@ int ClientManagerBase::manualDevMailTest(const char* device) {
 }
 
 int ClientManagerBase::manualDevMailTest(const char* host, const char* device) {
-    return this->manualDevMailTest(nullptr, host, device);
+    return this->manualDevMailTest(host, nullptr, device);
 }
 
 int ClientManagerBase::cancelDevMailTest(const char* device) {
@@ -214,7 +214,7 @@ int ClientManagerBase::cancelDevMailTest(const char* device) {
 }
 
 int ClientManagerBase::cancelDevMailTest(const char* host, const char* device) {
-    return this->cancelDevMailTest(nullptr, host, device);
+    return this->cancelDevMailTest(host, nullptr, device);
 }
 
 DeviceEventApp ClientManagerBase::devEventApp(const char* device) {
@@ -222,7 +222,7 @@ DeviceEventApp ClientManagerBase::devEventApp(const char* device) {
 }
 
 DeviceEventApp ClientManagerBase::devEventApp(const char* host, const char* device) {
-    return this->devEventApp(nullptr, host, device);
+    return this->devEventApp(host, nullptr, device);
 }
 
 int ClientManagerBase::updDevEventApp(const char* device, DeviceEventApp* config) {
@@ -231,7 +231,7 @@ int ClientManagerBase::updDevEventApp(const char* device, DeviceEventApp* config
 
 int ClientManagerBase::updDevEventApp(const char* host, const char* device,
                                       DeviceEventApp* config) {
-    return this->updDevEventApp(nullptr, host, device, config);
+    return this->updDevEventApp(host, nullptr, device, config);
 }
 
 DeviceDialCfg ClientManagerBase::devDialerConfig(const char* device) {
@@ -239,7 +239,7 @@ DeviceDialCfg ClientManagerBase::devDialerConfig(const char* device) {
 }
 
 DeviceDialCfg ClientManagerBase::devDialerConfig(const char* host, const char* device) {
-    return this->devDialerConfig(nullptr, host, device);
+    return this->devDialerConfig(host, nullptr, device);
 }
 
 int ClientManagerBase::updDevDialerConfig(const char* device, DeviceDialCfg* config) {
@@ -248,7 +248,7 @@ int ClientManagerBase::updDevDialerConfig(const char* device, DeviceDialCfg* con
 
 int ClientManagerBase::updDevDialerConfig(const char* host, const char* device,
                                           DeviceDialCfg* config) {
-    return this->updDevDialerConfig(nullptr, host, device, config);
+    return this->updDevDialerConfig(host, nullptr, device, config);
 }
 
 DeviceShutCfg ClientManagerBase::devShutdownConfig(const char* device) {
@@ -256,7 +256,7 @@ DeviceShutCfg ClientManagerBase::devShutdownConfig(const char* device) {
 }
 
 DeviceShutCfg ClientManagerBase::devShutdownConfig(const char* host, const char* device) {
-    return this->devShutdownConfig(nullptr, host, device);
+    return this->devShutdownConfig(host, nullptr, device);
 }
 
 int ClientManagerBase::updDevShutdownConfig(const char* device, DeviceShutCfg* config) {
@@ -265,7 +265,7 @@ int ClientManagerBase::updDevShutdownConfig(const char* device, DeviceShutCfg* c
 
 int ClientManagerBase::updDevShutdownConfig(const char* host, const char* device,
                                             DeviceShutCfg* config) {
-    return this->updDevShutdownConfig(nullptr, host, device, config);
+    return this->updDevShutdownConfig(host, nullptr, device, config);
 }
 
 int ClientManagerBase::manualDevShutdown(const char* device) {
@@ -273,7 +273,7 @@ int ClientManagerBase::manualDevShutdown(const char* device) {
 }
 
 int ClientManagerBase::manualDevShutdown(const char* host, const char* device) {
-    return this->manualDevShutdown(nullptr, host, device);
+    return this->manualDevShutdown(host, nullptr, device);
 }
 
 int ClientManagerBase::cancelDevShutdown(const char* device) {
@@ -281,7 +281,7 @@ int ClientManagerBase::cancelDevShutdown(const char* device) {
 }
 
 int ClientManagerBase::cancelDevShutdown(const char* host, const char* device) {
-    return this->cancelDevShutdown(nullptr, host, device);
+    return this->cancelDevShutdown(host, nullptr, device);
 }
 
 int ClientManagerBase::manualDevDischarge(const char* device, int value) {
@@ -289,7 +289,7 @@ int ClientManagerBase::manualDevDischarge(const char* device, int value) {
 }
 
 int ClientManagerBase::manualDevDischarge(const char* host, const char* device, int value) {
-    return this->manualDevDischarge(nullptr, host, device, value);
+    return this->manualDevDischarge(host, nullptr, device, value);
 }
 
 int ClientManagerBase::deviceSetICBattery(const char* device, int value) {
@@ -297,7 +297,7 @@ int ClientManagerBase::deviceSetICBattery(const char* device, int value) {
 }
 
 int ClientManagerBase::deviceSetICBattery(const char* host, const char* device, int value) {
-    return this->deviceSetICBattery(nullptr, host, device, value);
+    return this->deviceSetICBattery(host, nullptr, device, value);
 }
 
 int ClientManagerBase::deviceSetLineSense(const char* device, int value) {
@@ -305,7 +305,7 @@ int ClientManagerBase::deviceSetLineSense(const char* device, int value) {
 }
 
 int ClientManagerBase::deviceSetLineSense(const char* host, const char* device, int value) {
-    return this->deviceSetLineSense(nullptr, host, device, value);
+    return this->deviceSetLineSense(host, nullptr, device, value);
 }
 
 int ClientManagerBase::deviceProgPowerLook(const char* device, int tPowerLo, int pPowerLo,
@@ -315,7 +315,7 @@ int ClientManagerBase::deviceProgPowerLook(const char* device, int tPowerLo, int
 
 int ClientManagerBase::deviceProgPowerLook(const char* host, const char* device, int tPowerLo,
                                            int pPowerLo, long time) {
-    return this->deviceProgPowerLook(nullptr, host, device, tPowerLo, pPowerLo, time);
+    return this->deviceProgPowerLook(host, nullptr, device, tPowerLo, pPowerLo, time);
 }
 
 DeviceSchedule ClientManagerBase::devSchedule(const char* device) {
@@ -323,7 +323,7 @@ DeviceSchedule ClientManagerBase::devSchedule(const char* device) {
 }
 
 DeviceSchedule ClientManagerBase::devSchedule(const char* host, const char* device) {
-    return this->devSchedule(nullptr, host, device);
+    return this->devSchedule(host, nullptr, device);
 }
 
 int ClientManagerBase::updDevSchedule(const char* device, DeviceSchedule* config) {
@@ -332,7 +332,7 @@ int ClientManagerBase::updDevSchedule(const char* device, DeviceSchedule* config
 
 int ClientManagerBase::updDevSchedule(const char* host, const char* device,
                                       DeviceSchedule* config) {
-    return this->updDevSchedule(nullptr, host, device, config);
+    return this->updDevSchedule(host, nullptr, device, config);
 }
 
 }  // namespace tessary
