@@ -7,53 +7,52 @@ namespace {
 const char* const DEFAULT_HOST = "localhost";
 const uint32_t DEFAULT_PORT = 4470;
 const uint64_t DEFAULT_INTERVAL = 3000;
-const int DEFAULT_LEVEL = 5;
+const nimb::LogLevel DEFAULT_LEVEL = nimb::FATAL;
 const uint32_t MS_PER_MINUTE = 60000;
 
-std::string levelText(int level)
-{
-    static const char* const NAMES[] = {"TRACE", "DEBUG", "INFO", "WARNING", "ERROR", "FATAL"};
-    return (level >= 0 && level <= 5) ? NAMES[level] : "TRACE";
+std::string levelText(nimb::LogLevel level) {
+    return nimb::Logger::levelToStr(level);
 }
 
-std::string num(uint64_t value) { return std::to_string(value); }
+std::string num(uint64_t value) {
+    return std::to_string(value);
+}
 
 }  // namespace
 
 const char* const DEFAULT_MQTT_BROKER_HOST = "test.mosquitto.org";
 
-ShutSvcConfig::ShutSvcConfig() { clear(); }
+ShutSvcConfig::ShutSvcConfig() {
+    clear();
+}
 ShutSvcConfig::~ShutSvcConfig() = default;
 
-void ShutSvcConfig::clear()
-{
+void ShutSvcConfig::clear() {
     webHost = DEFAULT_HOST;
     webPort = DEFAULT_PORT;
 }
 
-std::string ShutSvcConfig::toString() const
-{
+std::string ShutSvcConfig::toString() const {
     return "shutsvc: {web.host=" + webHost + "," + "web.port=" + num(webPort) + "}";
 }
 
-NotifySvcConfig::NotifySvcConfig() { clear(); }
+NotifySvcConfig::NotifySvcConfig() {
+    clear();
+}
 NotifySvcConfig::~NotifySvcConfig() = default;
 
-void NotifySvcConfig::clear()
-{
+void NotifySvcConfig::clear() {
     webHost = DEFAULT_HOST;
     webPort = DEFAULT_PORT;
     messageInterval = DEFAULT_INTERVAL;
 }
 
-std::string NotifySvcConfig::toString() const
-{
+std::string NotifySvcConfig::toString() const {
     return "notifysvc: {web.host=" + webHost + "," + "web.port=" + num(webPort) + "," +
            "message.interval=" + num(messageInterval) + "}";
 }
 
-nimb::JsonObject NotifySvcConfig::toJson() const
-{
+nimb::JsonObject NotifySvcConfig::toJson() const {
     nimb::JsonObject json;
     json.setValue("webHost", nimb::JsonValue(webHost));
     json.setValue("webPort", nimb::JsonValue(static_cast<unsigned long long>(webPort)));
@@ -62,51 +61,51 @@ nimb::JsonObject NotifySvcConfig::toJson() const
     return json;
 }
 
-NotifySvcConfig& NotifySvcConfig::fromJson(const nimb::JsonObject& json)
-{
+NotifySvcConfig& NotifySvcConfig::fromJson(const nimb::JsonObject& json) {
     webHost = json.value("webHost").toString();
     webPort = static_cast<uint32_t>(json.value("webPort").toDouble());
     messageInterval = static_cast<uint64_t>(json.value("messageInterval").toDouble());
     return *this;
 }
 
-NotifyGuiConfig::NotifyGuiConfig() { clear(); }
+NotifyGuiConfig::NotifyGuiConfig() {
+    clear();
+}
 NotifyGuiConfig::~NotifyGuiConfig() = default;
 
-void NotifyGuiConfig::clear()
-{
+void NotifyGuiConfig::clear() {
     webHost = DEFAULT_HOST;
     webPort = DEFAULT_PORT;
     messageInterval = DEFAULT_INTERVAL;
 }
 
-std::string NotifyGuiConfig::toString() const
-{
+std::string NotifyGuiConfig::toString() const {
     return "notifygui: {web.host=" + webHost + "," + "web.port=" + num(webPort) + "," +
            "message.interval=" + num(messageInterval) + "}";
 }
 
-CloudSvcMqttConfig::CloudSvcMqttConfig() { clear(); }
+CloudSvcMqttConfig::CloudSvcMqttConfig() {
+    clear();
+}
 CloudSvcMqttConfig::~CloudSvcMqttConfig() = default;
 
-void CloudSvcMqttConfig::clear()
-{
+void CloudSvcMqttConfig::clear() {
     enable = true;
     brokerHost = DEFAULT_MQTT_BROKER_HOST;
     brokerPort = 1883;
 }
 
-std::string CloudSvcMqttConfig::toString() const
-{
+std::string CloudSvcMqttConfig::toString() const {
     return std::string("mqtt: {enable=") + (enable ? "1" : "0") + "," + "brokerHost=\"" +
            brokerHost + "\"," + "brokerPort=" + num(brokerPort) + "}";
 }
 
-CloudSvcConfig::CloudSvcConfig() { clear(); }
+CloudSvcConfig::CloudSvcConfig() {
+    clear();
+}
 CloudSvcConfig::~CloudSvcConfig() = default;
 
-void CloudSvcConfig::clear()
-{
+void CloudSvcConfig::clear() {
     webHost = DEFAULT_HOST;
     webPort = DEFAULT_PORT;
     messageInterval = DEFAULT_INTERVAL;
@@ -114,17 +113,17 @@ void CloudSvcConfig::clear()
 
 // The blank after the port's comma differs from the sibling records; log
 // readers rely on the form as it is.
-std::string CloudSvcConfig::toString() const
-{
+std::string CloudSvcConfig::toString() const {
     return "cloudsvc: {web.host=" + webHost + "," + "web.port=" + num(webPort) + ", " +
            "message.interval=" + num(messageInterval) + "}";
 }
 
-ClientLoggerConfig::ClientLoggerConfig() { clear(); }
+ClientLoggerConfig::ClientLoggerConfig() {
+    clear();
+}
 ClientLoggerConfig::~ClientLoggerConfig() = default;
 
-void ClientLoggerConfig::clear()
-{
+void ClientLoggerConfig::clear() {
     monitClientFilename = "client.log";
     monitClientLevel = DEFAULT_LEVEL;
     notifySvcFilename = "notifysvc.log";
@@ -137,8 +136,7 @@ void ClientLoggerConfig::clear()
     cloudSvcLevel = DEFAULT_LEVEL;
 }
 
-std::string ClientLoggerConfig::toString() const
-{
+std::string ClientLoggerConfig::toString() const {
     return "debug: {monitclient.filename=" + monitClientFilename +
            ", monitclient.level=" + levelText(monitClientLevel) +
            ", notifysvc.filename=" + notifySvcFilename +
@@ -150,11 +148,12 @@ std::string ClientLoggerConfig::toString() const
            ", cloudsvc.level=" + levelText(cloudSvcLevel) + "}";
 }
 
-ClientConfig::ClientConfig() { clear(); }
+ClientConfig::ClientConfig() {
+    clear();
+}
 ClientConfig::~ClientConfig() = default;
 
-void ClientConfig::clear()
-{
+void ClientConfig::clear() {
     notifySvc.clear();
     notifyGui.clear();
     shutSvc.clear();
@@ -162,32 +161,30 @@ void ClientConfig::clear()
     logger.clear();
 }
 
-std::string ClientConfig::toString() const
-{
-    return "clientconfig: {" + notifySvc.toStr() + "," + notifyGui.toStr() + "," +
-           shutSvc.toStr() + "," + cloudSvc.toStr() + "," + logger.toStr() + "}";
+std::string ClientConfig::toString() const {
+    return "clientconfig: {" + notifySvc.toStr() + "," + notifyGui.toStr() + "," + shutSvc.toStr() +
+           "," + cloudSvc.toStr() + "," + logger.toStr() + "}";
 }
 
-NotifyConfig::NotifyConfig() { clear(); }
+NotifyConfig::NotifyConfig() {
+    clear();
+}
 NotifyConfig::~NotifyConfig() = default;
 
-void NotifyConfig::clear()
-{
+void NotifyConfig::clear() {
     id = 1;
     option = 1;
     valPercent = 10;
     valSecond = 5 * MS_PER_MINUTE;
 }
 
-std::string NotifyConfig::toString() const
-{
+std::string NotifyConfig::toString() const {
     return "notifyConfig: {id=" + num(id) + "," + "option=" + num(option) + "," +
            "value.Ref.Percent=" + num(valPercent) + "," + "value.Ref.Seconds=" + num(valSecond) +
            "}";
 }
 
-nimb::JsonObject NotifyConfig::toJson() const
-{
+nimb::JsonObject NotifyConfig::toJson() const {
     nimb::JsonObject json;
     json.setValue("id", nimb::JsonValue(id));
     json.setValue("option", nimb::JsonValue(option));
@@ -197,8 +194,7 @@ nimb::JsonObject NotifyConfig::toJson() const
 }
 
 // The id is written but never read back: it identifies the writer's record.
-NotifyConfig& NotifyConfig::fromJson(const nimb::JsonObject& json)
-{
+NotifyConfig& NotifyConfig::fromJson(const nimb::JsonObject& json) {
     clear();
     option = static_cast<uint32_t>(json.value("option").toDouble());
     valPercent = static_cast<uint32_t>(json.value("valPercent").toDouble());

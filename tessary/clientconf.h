@@ -9,6 +9,7 @@
 #include <string>
 
 #include "nimb/json.h"
+#include "nimb/logger.h"
 #include "nimb/object.h"
 
 namespace tessary {
@@ -82,20 +83,20 @@ public:
     std::string toString() const override;
 };
 
-// Log file names and levels (0 TRACE ... 5 FATAL) of the client programs;
-// every level defaults to 5.
+// Log file names and levels of the client programs; every level defaults
+// to FATAL.
 class ClientLoggerConfig : public nimb::Object {
 public:
     std::string monitClientFilename;  // "client.log"
-    int monitClientLevel;
-    std::string notifySvcFilename;    // "notifysvc.log"
-    int notifySvcLevel;
-    std::string notifyGuiFilename;    // "notifygui.log"
-    int notifyGuiLevel;
-    std::string shutSvcFilename;      // "shutsvc.log"
-    int shutSvcLevel;
-    std::string cloudSvcFilename;     // "cloudsvc.log"
-    int cloudSvcLevel;
+    nimb::LogLevel monitClientLevel;
+    std::string notifySvcFilename;  // "notifysvc.log"
+    nimb::LogLevel notifySvcLevel;
+    std::string notifyGuiFilename;  // "notifygui.log"
+    nimb::LogLevel notifyGuiLevel;
+    std::string shutSvcFilename;  // "shutsvc.log"
+    nimb::LogLevel shutSvcLevel;
+    std::string cloudSvcFilename;  // "cloudsvc.log"
+    nimb::LogLevel cloudSvcLevel;
 
     ClientLoggerConfig();
     ~ClientLoggerConfig() override;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "nimb/logger.h"
 #include "nimb/object.h"
 
 namespace tessary {
@@ -75,16 +76,16 @@ public:
     std::string toString() const override;
 };
 
-// Log file names and levels (0 TRACE ... 5 FATAL) of the monitor server's
-// parts; every level is cleared to 5.
+// Log file names and levels of the monitor server's parts; every level is
+// cleared to FATAL.
 class MonitLoggerConfig : public nimb::Object {
 public:
     std::string deviceMonitFileName;    // "devicemonit.filename", "tessvc.log"
-    int deviceMonitLevel;               // "devicemonit.level"
+    nimb::LogLevel deviceMonitLevel;    // "devicemonit.level"
     std::string deviceManagerFileName;  // "devicemanager.filename", "device.log"
-    int deviceManagerLevel;             // "devicemanager.level"
+    nimb::LogLevel deviceManagerLevel;  // "devicemanager.level"
     std::string serialHidFileName;      // "serialhid.filename", "serialhid.log"
-    int serialHidLevel;                 // "serialhid.level"
+    nimb::LogLevel serialHidLevel;      // "serialhid.level"
 
     MonitLoggerConfig();
     ~MonitLoggerConfig() override;

@@ -17,17 +17,16 @@ namespace {
 class Reader {
 public:
     explicit Reader(const std::string& fileName)
-        : m_fileName(fileName), m_settings(QString::fromStdString(fileName), QSettings::IniFormat) {}
+        : m_fileName(fileName),
+          m_settings(QString::fromStdString(fileName), QSettings::IniFormat) {}
 
-    void text(const char* key, std::string& value)
-    {
+    void text(const char* key, std::string& value) {
         if (m_settings.contains(key))
             value = m_settings.value(key).toString().toStdString();
     }
 
     template <typename Int>
-    void number(const char* key, Int& value)
-    {
+    void number(const char* key, Int& value) {
         if (!m_settings.contains(key))
             return;
         bool ok = false;
@@ -38,8 +37,7 @@ public:
             bad(key);
     }
 
-    void flag(const char* key, bool& value)
-    {
+    void flag(const char* key, bool& value) {
         if (!m_settings.contains(key))
             return;
         const QString read = m_settings.value(key).toString().trimmed().toLower();
@@ -52,15 +50,14 @@ public:
     }
 
     // Level names TRACE ... FATAL in any letter case.
-    void level(const char* key, int& value)
-    {
-        static const char* const NAMES[] = {"TRACE", "DEBUG", "INFO", "WARNING", "ERROR", "FATAL"};
+    void level(const char* key, nimb::LogLevel& value) {
         if (!m_settings.contains(key))
             return;
         const QString read = m_settings.value(key).toString().toUpper();
-        for (int i = 0; i < 6; ++i) {
-            if (read == NAMES[i]) {
-                value = i;
+        for (int level = nimb::TRACE; level <= nimb::FATAL; ++level) {
+            const auto candidate = static_cast<nimb::LogLevel>(level);
+            if (read.toStdString() == nimb::Logger::levelToStr(candidate)) {
+                value = candidate;
                 return;
             }
         }
@@ -68,8 +65,7 @@ public:
     }
 
 private:
-    void bad(const char* key)
-    {
+    void bad(const char* key) {
         qWarning("config: bad value \"%s\" of key %s in file %s; the default is used",
                  qPrintable(m_settings.value(key).toString()), key, m_fileName.c_str());
     }
@@ -78,8 +74,7 @@ private:
     QSettings m_settings;
 };
 
-QJsonObject readJson(const QString& fileName)
-{
+QJsonObject readJson(const QString& fileName) {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return QJsonObject();
@@ -93,16 +88,14 @@ QJsonObject readJson(const QString& fileName)
 
 }  // namespace
 
-std::string suiteDir()
-{
+std::string suiteDir() {
     Dl_info info;
     if (dladdr(reinterpret_cast<void*>(&suiteDir), &info) != 0 && info.dli_fname != nullptr)
         return QFileInfo(QString::fromLocal8Bit(info.dli_fname)).absolutePath().toStdString();
     return QDir::currentPath().toStdString();
 }
 
-void readClientConfig(const std::string& fileName, tessary::ClientConfig& config)
-{
+void readClientConfig(const std::string& fileName, tessary::ClientConfig& config) {
     Reader in(fileName);
     in.text("shutsvc/web.host", config.shutSvc.webHost);
     in.number("shutsvc/web.port", config.shutSvc.webPort);
@@ -131,8 +124,7 @@ void readClientConfig(const std::string& fileName, tessary::ClientConfig& config
     in.level("debug/cloudsvc.level", log.cloudSvcLevel);
 }
 
-void readMonitConfig(const std::string& fileName, tessary::MonitConfig& config)
-{
+void readMonitConfig(const std::string& fileName, tessary::MonitConfig& config) {
     Reader in(fileName);
     in.flag("monit/monit.enable", config.general.monitEnable);
     in.flag("monit/rs232.enable", config.general.rs232Enable);
@@ -151,8 +143,7 @@ void readMonitConfig(const std::string& fileName, tessary::MonitConfig& config)
     in.level("debug/serialhid.level", log.serialHidLevel);
 }
 
-void readDetectionConfig(const std::string& dir, tessary::DetectionConfig& config)
-{
+void readDetectionConfig(const std::string& dir, tessary::DetectionConfig& config) {
     const QString fileName = QString::fromStdString(dir) + "/detection.json";
     if (QFileInfo::exists(fileName))
         config.fromJson(nimb::JsonObject(readJson(fileName)));
@@ -160,8 +151,8 @@ void readDetectionConfig(const std::string& dir, tessary::DetectionConfig& confi
         config.clear();
 }
 
-bool readDeviceConfig(const std::string& dir, int family, int model, tessary::DeviceConfig& config)
-{
+bool readDeviceConfig(const std::string& dir, int family, int model,
+                      tessary::DeviceConfig& config) {
     const QString fileName =
         QString("%1/%2-%3.json").arg(QString::fromStdString(dir)).arg(family).arg(model);
     if (!QFileInfo::exists(fileName))

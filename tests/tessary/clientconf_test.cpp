@@ -14,7 +14,7 @@ std::string compact(const nimb::JsonObject& json)
 TEST(ClientConfigTest, DefaultTextForm)
 {
     ClientConfig config;
-    config.logger.shutSvcLevel = 1;
+    config.logger.shutSvcLevel = nimb::DEBUG;
     EXPECT_EQ("clientconfig: {"
               "notifysvc: {web.host=localhost,web.port=4470,message.interval=3000},"
               "notifygui: {web.host=localhost,web.port=4470,message.interval=3000},"

@@ -179,8 +179,8 @@ TEST_F(IniConfigTest, ReadsGroupsAndKeysAndKeepsDefaultsForBadValues)
     EXPECT_FALSE(config.cloudSvc.mqtt.enable);
     EXPECT_EQ(8883u, config.cloudSvc.mqtt.brokerPort);
     EXPECT_EQ("s.log", config.logger.shutSvcFilename);
-    EXPECT_EQ(1, config.logger.shutSvcLevel);
-    EXPECT_EQ(5, config.logger.monitClientLevel);
+    EXPECT_EQ(nimb::DEBUG, config.logger.shutSvcLevel);
+    EXPECT_EQ(nimb::FATAL, config.logger.monitClientLevel);
 }
 
 TEST_F(IniConfigTest, MonitorAndDeviceFiles)
@@ -197,7 +197,7 @@ TEST_F(IniConfigTest, MonitorAndDeviceFiles)
     config.getMonitConfig(monit);
     EXPECT_EQ("monit: {monit.enable=1,rs232.enable=0}", monit.general.toString());
     EXPECT_EQ(5000, monit.server.tcpPort);
-    EXPECT_EQ(2, monit.logger.serialHidLevel);
+    EXPECT_EQ(nimb::INFO, monit.logger.serialHidLevel);
 
     config.openDevicesConfig();
     tessary::DeviceConfig device;

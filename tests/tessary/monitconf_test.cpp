@@ -59,7 +59,7 @@ TEST(UrlTest, TextForm)
 TEST(MonitConfigTest, ClearedTextFormKeepsTrailingComma)
 {
     MonitConfig config;
-    config.logger.serialHidLevel = 0;
+    config.logger.serialHidLevel = nimb::TRACE;
     config.server.udpPort = 7;
     EXPECT_EQ("monitconfig: {monit: {monit.enable=1,rs232.enable=1},"
               "web: {tcp.port=4470,udp.port=7},"
