@@ -1,0 +1,18 @@
+#include "nimb/coreapp.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+
+namespace {
+
+TEST(CoreAppTest, CreatesOneApplicationWithoutArguments) {
+    QCoreApplication* first = nimb::ensureCoreApplication();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first, QCoreApplication::instance());
+    EXPECT_EQ(nimb::ensureCoreApplication(), first);
+    EXPECT_EQ(nimb::QT_CORE_APP_ARGC, 0);
+    EXPECT_TRUE(QCoreApplication::arguments().size() <= 1);
+}
+
+}  // namespace
