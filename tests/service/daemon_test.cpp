@@ -1,0 +1,103 @@
+// The daemon as a process: detaching, the lock file, a second instance,
+// SIGTERM, the command line and failures to start.
+#include "tests/service/daemon_harness.h"
+
+namespace {
+
+using e2e::DaemonTest;
+using e2e::Isolation;
+using e2e::readFile;
+using e2e::simDevice;
+
+bool alive(pid_t pid) { return kill(pid, 0) == 0; }
+
+TEST_F(DaemonTest, DaemonHoldsTheLockRefusesASecondInstanceAndStopsOnSigterm) {
+    // A longer earlier content keeps its tail: the file is not truncated.
+    e2e::writeFile(Isolation::instance().lockFile(), "xxxxxxxxxxxxxxxxxxxx");
+    suite->scenario({simDevice("UPS-A")}, {});
+    const pid_t launcher = suite->launch({});
+    const int status = suite->wait(launcher);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    ASSERT_TRUE(suite->logHas("ShutService: <start> Client connected at: <", 15000));
+
+    const std::string content = readFile(Isolation::instance().lockFile());
+    const size_t digits = content.find('x');
+    ASSERT_NE(digits, std::string::npos) << content;
+    ASSERT_GT(digits, 0u) << content;
+    EXPECT_EQ(content.size(), 20u);
+    EXPECT_EQ(content.substr(digits), std::string(20 - digits, 'x'));
+    const pid_t daemon = static_cast<pid_t>(std::atoi(content.c_str()));
+    EXPECT_NE(daemon, launcher);
+    EXPECT_TRUE(alive(daemon));
+
+    // A second instance finds the lock taken and leaves quietly.
+    const pid_t second = suite->launch({});
+    const int secondStatus = suite->wait(second);
+    ASSERT_TRUE(WIFEXITED(secondStatus));
+    EXPECT_EQ(WEXITSTATUS(secondStatus), 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_TRUE(alive(daemon));
+    EXPECT_EQ(e2e::countOf(suite->log(), "Client connected at:"), 1);
+
+    // SIGTERM: a clean stop with exit status 0.
+    kill(daemon, SIGTERM);
+    const int daemonStatus = suite->wait(daemon);
+    ASSERT_TRUE(WIFEXITED(daemonStatus)) << daemonStatus;
+    EXPECT_EQ(WEXITSTATUS(daemonStatus), 0);
+    EXPECT_NE(suite->log().find("[TRACE] {} ShutService: <stop> Client disconnected\n"),
+              std::string::npos)
+        << suite->log();
+    EXPECT_NE(suite->journal().find("disconnectCli"), std::string::npos);
+}
+
+TEST_F(DaemonTest, NoDaemonInAnyLetterCaseStaysInTheForeground) {
+    suite->scenario({simDevice("UPS-A")}, {});
+    const pid_t pid = suite->launch({"--NoDaemon"});
+    ASSERT_TRUE(suite->logHas("ShutService: <start> Client connected at: <", 15000));
+    EXPECT_TRUE(alive(pid));
+    EXPECT_EQ(suite->wait(pid, 0), -1);
+    // Neither the lock nor the SIGTERM handler: the signal's default action ends it.
+    EXPECT_FALSE(e2e::exists(Isolation::instance().lockFile()));
+    kill(pid, SIGTERM);
+    const int status = suite->wait(pid);
+    ASSERT_TRUE(WIFSIGNALED(status)) << status;
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
+}
+
+TEST_F(DaemonTest, NoDaemonCountsOnlyAsTheFirstArgument) {
+    suite->scenario({simDevice("UPS-A")}, {});
+    const pid_t launcher = suite->launch({"--verbose", "--nodaemon"});
+    const int status = suite->wait(launcher);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    ASSERT_TRUE(e2e::waitFor(
+        [&] { return !readFile(Isolation::instance().lockFile()).empty(); }, 10000));
+    EXPECT_TRUE(suite->logHas("Client connected at:", 15000));
+}
+
+class MissingPlugin : public DaemonTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(MissingPlugin, EndsTheStartWithAFatalLineAndExitStatusOne) {
+    suite->scenario({simDevice("UPS-A")}, {});
+    unlink((suite->dir() + GetParam()).c_str());
+    const pid_t pid = suite->launch({"--nodaemon"});
+    const int status = suite->wait(pid);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    const std::string log = suite->log();
+    const std::string fatal = "[FATAL] {} ShutService: <start> Error: ";
+    const size_t at = log.find(fatal);
+    ASSERT_NE(at, std::string::npos) << log;
+    // main() logs the same message once more, on its own.
+    const size_t end = log.find('\n', at);
+    const std::string message = log.substr(at + fatal.size(), end - at - fatal.size());
+    EXPECT_NE(message.find(GetParam()), std::string::npos) << message;
+    EXPECT_NE(log.find("[FATAL] {} " + message + "\n", end), std::string::npos) << log;
+    EXPECT_EQ(log.find("Client connected"), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(ClientAndConfig, MissingPlugin,
+                         ::testing::Values("client.so", "config.so"));
+
+}  // namespace
