@@ -209,8 +209,8 @@ void ShutService::onTimer() {
         for (const auto& [id, device] : devices) {
             MonitData& entry = m_data[id];
             entry.actualState = device;
-            entry.actualRegressive = m_client.counter(id);
-            entry.shutCfg = m_client.devShutdownConfig(id);
+            entry.actualRegressive = m_client.counter(id.c_str());
+            entry.shutCfg = m_client.devShutdownConfig(id.c_str());
         }
     } catch (nimb::Exception& e) {
         m_log->error(p + "Error getting device info: " + e.message());

@@ -1,6 +1,8 @@
 // The fixture of every end-to-end test of the daemon.
 #pragma once
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -18,7 +20,10 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(Isolation::instance().ready()) << Isolation::instance().error();
         const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
-        suite = std::make_unique<Suite>(std::string(info->test_suite_name()) + "." + info->name());
+        // Parameterised tests carry '/' in their names: one folder per test.
+        std::string name = std::string(info->test_suite_name()) + "." + info->name();
+        std::replace(name.begin(), name.end(), '/', '_');
+        suite = std::make_unique<Suite>(name);
     }
     void TearDown() override {
         if (suite) {

@@ -28,6 +28,7 @@
 #include <fstream>
 #include <functional>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -317,8 +318,11 @@ public:
     explicit Suite(const std::string& name) {
         Isolation& iso = Isolation::instance();
         m_dir = iso.root() + "/" + name + "/";
-        mkdir(m_dir.c_str(), 0755);
-        mkdir((m_dir + "bin").c_str(), 0755);
+        for (const std::string& folder : {m_dir, m_dir + "bin"}) {
+            if (mkdir(folder.c_str(), 0755) != 0 && errno != EEXIST) {
+                throw std::runtime_error("cannot make " + folder + ": " + std::strerror(errno));
+            }
+        }
         for (const char* file : {"shutsvc", "libnimb.so", "libtessary.so"}) {
             copy(std::string(SHUTSVC_SUITE_DIR) + "/" + file, m_dir + file);
         }
