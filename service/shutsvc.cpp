@@ -220,11 +220,15 @@ void ShutService::onTimer() {
 
     // Devices the server no longer lists keep their last entry and still
     // take part: the first entry in id order that meets the condition wins.
+    // The texts of the trace lines are only made when they will be written.
+    const bool tracing = m_log->getConfig().level <= nimb::TRACE;
     for (const auto& [id, entry] : m_data) {
-        const Device device = entry.actualState;
-        const Regressive regressive = entry.actualRegressive;
-        m_log->trace(p + "status: {" + device.toStr() + "}");
-        m_log->trace(p + "regressive: {" + regressive.toStr() + "}");
+        const Device& device = entry.actualState;
+        const Regressive& regressive = entry.actualRegressive;
+        if (tracing) {
+            m_log->trace(p + "status: {" + device.toStr() + "}");
+            m_log->trace(p + "regressive: {" + regressive.toStr() + "}");
+        }
         const bool trigger =
             regressive.value() == 0 && device.flags.connected && !device.flags.opStartup;
         if (!trigger) {
