@@ -31,12 +31,19 @@ TEST_F(DaemonTest, DaemonHoldsTheLockRefusesASecondInstanceAndStopsOnSigterm) {
     EXPECT_NE(daemon, launcher);
     EXPECT_TRUE(alive(daemon));
 
-    // A second instance finds the lock taken and leaves quietly.
+    // A second instance: its launcher exits 0, and the detached child finds
+    // the lock taken and leaves quietly with 0 too. Its message is a trace
+    // line of the service's first logger, which writes only fatal lines, so
+    // the log does not show it.
     const pid_t second = suite->launch({});
     const int secondStatus = suite->wait(second);
     ASSERT_TRUE(WIFEXITED(secondStatus));
     EXPECT_EQ(WEXITSTATUS(secondStatus), 0);
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    const auto [refused, refusedStatus] = suite->waitAny();
+    ASSERT_GT(refused, 0);
+    EXPECT_NE(refused, daemon);
+    ASSERT_TRUE(WIFEXITED(refusedStatus)) << refusedStatus;
+    EXPECT_EQ(WEXITSTATUS(refusedStatus), 0);
     EXPECT_TRUE(alive(daemon));
     EXPECT_EQ(e2e::countOf(suite->log(), "Client connected at:"), 1);
 
@@ -49,6 +56,20 @@ TEST_F(DaemonTest, DaemonHoldsTheLockRefusesASecondInstanceAndStopsOnSigterm) {
               std::string::npos)
         << suite->log();
     EXPECT_NE(suite->journal().find("disconnectCli"), std::string::npos);
+}
+
+TEST_F(DaemonTest, LockFileThatCannotBeOpenedEndsTheDaemonWithStatusOne) {
+    ASSERT_EQ(mkdir(Isolation::instance().lockFile().c_str(), 0755), 0);
+    suite->scenario({simDevice("UPS-A")}, {});
+    const pid_t launcher = suite->launch({});
+    const int status = suite->wait(launcher);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    const auto [child, childStatus] = suite->waitAny();
+    ASSERT_GT(child, 0);
+    ASSERT_TRUE(WIFEXITED(childStatus)) << childStatus;
+    EXPECT_EQ(WEXITSTATUS(childStatus), 1);
+    EXPECT_EQ(suite->log().find("Client connected"), std::string::npos);
 }
 
 TEST_F(DaemonTest, NoDaemonInAnyLetterCaseStaysInTheForeground) {

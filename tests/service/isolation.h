@@ -31,6 +31,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "nimb/json.h"
@@ -335,6 +336,7 @@ public:
         writeFile(iso.tessaryConf(), "[TESSARY]\nPATH=" + m_dir + "\n");
         writeFile(iso.powerState(), "freeze mem\n");
         unlink(iso.lockFile().c_str());
+        rmdir(iso.lockFile().c_str());
     }
 
     ~Suite() { killAll(); }
@@ -415,6 +417,16 @@ public:
         const bool ended = waitFor(
             [&] { return waitpid(pid, &status, WNOHANG) == pid; }, timeoutMs);
         return ended ? status : -1;
+    }
+
+    // Waits for any child to end -- this process is the subreaper of the
+    // daemons that a launcher left behind -- and returns its process id and
+    // wait status; {-1, -1} when none ended within the time limit.
+    std::pair<pid_t, int> waitAny(int timeoutMs = 20000) {
+        std::pair<pid_t, int> ended{-1, -1};
+        waitFor([&] { return (ended.first = waitpid(-1, &ended.second, WNOHANG)) > 0; },
+                timeoutMs);
+        return ended.first > 0 ? ended : std::make_pair(pid_t(-1), -1);
     }
 
     bool logHas(const std::string& text, int timeoutMs) const {
