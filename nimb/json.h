@@ -12,7 +12,9 @@
 // Nothing here throws on bad data; only memory exhaustion propagates.
 #pragma once
 
+#include <cmath>
 #include <initializer_list>
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,6 +30,20 @@ namespace nimb {
 
 class JsonArray;
 class JsonObject;
+
+// A JSON number as an integer field reads it: truncated toward zero; NaN
+// reads 0 and numbers beyond Int's range saturate, where a plain cast would
+// be undefined.
+template <typename Int>
+Int truncatedNumber(double value) {
+    if (std::isnan(value))
+        return 0;
+    if (value <= static_cast<double>(std::numeric_limits<Int>::min()))
+        return std::numeric_limits<Int>::min();
+    if (value >= static_cast<double>(std::numeric_limits<Int>::max()))
+        return std::numeric_limits<Int>::max();
+    return static_cast<Int>(value);
+}
 
 // One JSON value: null, boolean, number, string, array, object or undefined.
 //

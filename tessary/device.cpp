@@ -15,21 +15,9 @@ namespace {
 const char* const UNKNOWN = "<unknown>";
 const char* const TEXT_TIME_FORMAT = "yyyy/MM/dd HH:mm:ss.zzz";
 
-// A JSON number truncated toward zero; NaN reads 0 and numbers beyond the
-// range saturate, where a plain cast would be undefined.
-template <typename Int>
-Int truncated(double value) {
-    if (std::isnan(value))
-        return 0;
-    if (value <= static_cast<double>(std::numeric_limits<Int>::min()))
-        return std::numeric_limits<Int>::min();
-    if (value >= static_cast<double>(std::numeric_limits<Int>::max()))
-        return std::numeric_limits<Int>::max();
-    return static_cast<Int>(value);
-}
 
 int readInt(const nimb::JsonObject& json, const char* key) {
-    return truncated<int>(json.value(key).toDouble());
+    return nimb::truncatedNumber<int>(json.value(key).toDouble());
 }
 
 std::string orUnknown(const std::string& text) { return text.empty() ? UNKNOWN : text; }
@@ -305,7 +293,7 @@ void DeviceVars::fromJson(const nimb::JsonObject& json) {
         if (field.real)
             this->*field.real = static_cast<float>(value.toDouble());
         else if (field.integer)
-            this->*field.integer = truncated<int>(value.toDouble());
+            this->*field.integer = nimb::truncatedNumber<int>(value.toDouble());
         else
             this->*field.flag = value.toBool();
     }
@@ -492,11 +480,11 @@ void PortInfo::fromJson(const nimb::JsonObject& json) {
     path = json.value("path").toStr();
     typeFromStr(json.value("type").toStr());
     const nimb::JsonObject line = json.value("config").toObject();
-    config.baudrate = truncated<long>(line.value("baudrate").toDouble());
+    config.baudrate = nimb::truncatedNumber<long>(line.value("baudrate").toDouble());
     config.databits = readInt(line, "databits");
     config.stopbits = readInt(line, "stopbits");
     config.parity = readInt(line, "parity");
-    config.timeout = truncated<long>(line.value("timeout").toDouble());
+    config.timeout = nimb::truncatedNumber<long>(line.value("timeout").toDouble());
 }
 
 nimb::JsonObject PortInfo::toJson() const {

@@ -9,18 +9,6 @@ namespace {
 
 const char* const UNKNOWN = "<unknown>";
 
-// A JSON number truncated toward zero; NaN gives 0 and values beyond the
-// type's range saturate.
-template <typename T>
-T truncated(double value) {
-    if (std::isnan(value))
-        return 0;
-    if (value >= static_cast<double>(std::numeric_limits<T>::max()))
-        return std::numeric_limits<T>::max();
-    if (value <= static_cast<double>(std::numeric_limits<T>::min()))
-        return std::numeric_limits<T>::min();
-    return static_cast<T>(value);
-}
 
 std::string orUnknown(const std::string& text) {
     return text.empty() ? UNKNOWN : text;
@@ -71,8 +59,8 @@ void Computer::fromJson(const nimb::JsonObject& json) {
     osVersion = json.value("osVersion").toString();
     hostname = json.value("hostname").toString();
     ip = json.value("ip").toString();
-    port = truncated<int>(json.value("port").toDouble());
-    upTime = truncated<int64_t>(json.value("upTime").toDouble());
+    port = nimb::truncatedNumber<int>(json.value("port").toDouble());
+    upTime = nimb::truncatedNumber<int64_t>(json.value("upTime").toDouble());
 }
 
 nimb::JsonObject Computer::toJson() const {

@@ -18,18 +18,6 @@ const ShutdownCause COUNTED_CAUSES[] = {ShutdownCause::Manual,    ShutdownCause:
 
 std::uint64_t now() { return nimb::System::getSystemTick(); }
 
-// A JSON number truncated toward zero; NaN reads 0 and numbers beyond the
-// range saturate, where a plain cast would be undefined.
-template <typename Int>
-Int truncated(double value) {
-    if (std::isnan(value))
-        return 0;
-    if (value <= static_cast<double>(std::numeric_limits<Int>::min()))
-        return std::numeric_limits<Int>::min();
-    if (value >= static_cast<double>(std::numeric_limits<Int>::max()))
-        return std::numeric_limits<Int>::max();
-    return static_cast<Int>(value);
-}
 
 }  // namespace
 
@@ -104,9 +92,9 @@ std::string Regressive::causeAsStr() const { return causeToStr(m_cause); }
 
 void Regressive::fromJson(const nimb::JsonObject& json) {
     reset();
-    m_cause = static_cast<ShutdownCause>(truncated<std::int32_t>(json.value("cause").toDouble()));
+    m_cause = static_cast<ShutdownCause>(nimb::truncatedNumber<std::int32_t>(json.value("cause").toDouble()));
     active = json.value("active").toBool();
-    m_value = truncated<std::int64_t>(json.value("value").toDouble());
+    m_value = nimb::truncatedNumber<std::int64_t>(json.value("value").toDouble());
     inShutdown = json.value("inShutdown").toBool();
 }
 
