@@ -1,4 +1,5 @@
 #include "nimb/file.h"
+#include "tests/support.h"
 
 #include <gtest/gtest.h>
 
@@ -10,20 +11,11 @@
 #include <string>
 #include <unistd.h>
 
+using support::expectFailure;
+
 namespace {
 
 using nimb::File;
-
-template <class E, class F>
-void expectFailure(F call, const std::string& message, int code) {
-    try {
-        call();
-        ADD_FAILURE() << "no exception: " << message;
-    } catch (const E& e) {
-        EXPECT_EQ(e.message(), message);
-        EXPECT_EQ(e.code(), code);
-    }
-}
 
 TEST(FileTest, PathHelpers) {
     using Helper = std::function<std::string(const char*)>;

@@ -1,6 +1,7 @@
 #include "nimb/file.h"
 #include "nimb/system.h"
 #include "nimb/system_testing.h"
+#include "tests/support.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +17,9 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+using support::writeFile;
+using support::expectFailure;
+
 namespace {
 
 using nimb::OsInfo;
@@ -25,22 +29,6 @@ std::string readAll(const std::string& path) {
     std::ostringstream text;
     text << std::ifstream(path).rdbuf();
     return text.str();
-}
-
-void writeFile(const std::string& path, const std::string& text, mode_t mode = 0644) {
-    std::ofstream(path, std::ios::trunc) << text;
-    chmod(path.c_str(), mode);
-}
-
-template <class E, class F>
-void expectFailure(F call, const std::string& message, int code) {
-    try {
-        call();
-        ADD_FAILURE() << "no exception: " << message;
-    } catch (const E& e) {
-        EXPECT_EQ(e.message(), message);
-        EXPECT_EQ(e.code(), code);
-    }
 }
 
 // A temporary folder that is the whole PATH while a test runs, so that the

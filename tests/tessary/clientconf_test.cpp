@@ -1,15 +1,13 @@
 #include "tessary/clientconf.h"
+#include "tests/support.h"
 
 #include <gtest/gtest.h>
 
 using namespace tessary;
 
-namespace {
+using support::compact;
 
-std::string compact(const nimb::JsonObject& json)
-{
-    return nimb::JsonDocument(json).toJson(false);
-}
+namespace {
 
 TEST(ClientConfigTest, DefaultTextForm)
 {

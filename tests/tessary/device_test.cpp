@@ -9,6 +9,7 @@
 
 #include "nimb/json.h"
 #include "tessary/device.h"
+#include "tests/support.h"
 
 using nimb::JsonDocument;
 using nimb::JsonObject;
@@ -18,6 +19,9 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
+using support::compact;
+using support::parsed;
+
 namespace {
 
 // One hour east of UTC all year round, fixed before Qt reads the local zone.
@@ -25,14 +29,6 @@ const bool ZONE_FIXED = (setenv("TZ", "CET-1", 1), tzset(), true);
 
 // 2024-05-01 13:03:07.250 UTC.
 const long long MAY_FIRST_MS = 1714568587250LL;
-
-std::string compact(const JsonObject& json) { return JsonDocument(json).toJson(false); }
-
-JsonObject parsed(const std::string& text) {
-    JsonDocument document;
-    document.fromJson(text);
-    return document.object();
-}
 
 template <typename T>
 std::string streamed(T value) {

@@ -5,6 +5,7 @@
 
 #include "nimb/json.h"
 #include "tessary/devsettings.h"
+#include "tests/support.h"
 
 using nimb::JsonDocument;
 using nimb::JsonObject;
@@ -14,18 +15,10 @@ using tessary::DeviceMailCfg;
 using tessary::DeviceSchedule;
 using tessary::DeviceShutCfg;
 
+using support::compact;
+using support::parsed;
+
 namespace {
-
-std::string compact(const JsonObject& json) {
-    return JsonDocument(json).toJson(false);
-}
-
-JsonObject parsed(const std::string& text) {
-    JsonDocument document;
-    document.fromJson(text);
-    EXPECT_TRUE(document.isObject()) << text;
-    return document.object();
-}
 
 template <typename Record>
 Record fromText(const std::string& text) {

@@ -19,6 +19,9 @@
 #include "tessary/config.h"
 #include "tessary/devsettings.h"
 #include "tessary/monit.h"
+#include "tests/support.h"
+
+using support::readFile;
 
 namespace {
 
@@ -27,13 +30,6 @@ using Clock = std::chrono::steady_clock;
 
 const std::string SIM_CLIENT = std::string(SHUTSVC_PLUGIN_DIR) + "/sim/client.so";
 const std::string FAULTY_DIR = FAULTY_CLIENT_DIR;
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 std::vector<std::string> lines(const std::string& text) {
     std::vector<std::string> result;

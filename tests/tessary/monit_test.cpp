@@ -4,6 +4,7 @@
 
 #include "nimb/json.h"
 #include "tessary/monit.h"
+#include "tests/support.h"
 
 using nimb::JsonDocument;
 using nimb::JsonObject;
@@ -15,17 +16,10 @@ using tessary::MonitData;
 using tessary::MonitFlagsComparator;
 using tessary::ShutdownCause;
 
+using support::compact;
+using support::parsed;
+
 namespace {
-
-std::string compact(const JsonObject& json) {
-    return JsonDocument(json).toJson(false);
-}
-
-JsonObject parsed(const std::string& text) {
-    JsonDocument document;
-    document.fromJson(text);
-    return document.object();
-}
 
 Computer filledComputer() {
     Computer computer;

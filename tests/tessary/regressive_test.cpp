@@ -9,6 +9,7 @@
 #include "nimb/json.h"
 #include "nimb/system.h"
 #include "tessary/regressive.h"
+#include "tests/support.h"
 
 using nimb::JsonDocument;
 using nimb::JsonObject;
@@ -16,15 +17,10 @@ using tessary::Regressive;
 using tessary::RegressiveCounter;
 using tessary::ShutdownCause;
 
+using support::compact;
+using support::parsed;
+
 namespace {
-
-std::string compact(const JsonObject& json) { return JsonDocument(json).toJson(false); }
-
-JsonObject parsed(const std::string& text) {
-    JsonDocument document;
-    document.fromJson(text);
-    return document.object();
-}
 
 void sleepMs(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
 
