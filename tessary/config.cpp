@@ -1,17 +1,13 @@
 #include "tessary/config.h"
 #include "tessary/config_testing.h"
 
-#include <QSettings>
-#include <QString>
-#include <QStringList>
-#include <QVariant>
-
 #include <pwd.h>
 #include <unistd.h>
 
 #include <cstdlib>
 
 #include "nimb/file.h"
+#include "nimb/settings.h"
 #include "nimb/system.h"
 
 namespace tessary {
@@ -37,17 +33,14 @@ uint32_t truncated(double value) {
 }
 
 // The PATH key of the group TESSARY, or "" when the file, the group or the
-// key is missing. A value with commas reads as a list; its items are joined
-// back with ",".
+// key is missing. A value with commas reads as a list, which the variant's
+// text joins back with ",".
 std::string configuredSuitePath() {
     try {
-        QSettings settings(QString::fromStdString(suiteConfigFileRef()), QSettings::IniFormat);
-        settings.setIniCodec("UTF-8");
-        settings.beginGroup(QStringLiteral("TESSARY"));
-        const QVariant value = settings.value(QStringLiteral("PATH"));
-        if (value.type() == QVariant::StringList)
-            return value.toStringList().join(QLatin1Char(',')).toStdString();
-        return value.toString().toStdString();
+        nimb::Settings settings;
+        settings.open(suiteConfigFileRef(), "UTF-8");
+        settings.chGroup("TESSARY");
+        return settings.value("PATH").toStr();
     } catch (...) {
         return std::string();
     }
