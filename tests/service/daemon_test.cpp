@@ -72,6 +72,24 @@ TEST_F(DaemonTest, LockFileThatCannotBeOpenedEndsTheDaemonWithStatusOne) {
     EXPECT_EQ(suite->log().find("Client connected"), std::string::npos);
 }
 
+TEST_F(DaemonTest, ForkFailureIsAFatalLineAndExitStatusOne) {
+    // The daemon runs as a user that may start no process: its log folder
+    // must exist already, since making it takes a shell too.
+    chmod(Isolation::instance().root().c_str(), 0755);
+    const std::string logDir = suite->dir() + "log";
+    mkdir(logDir.c_str(), 0777);
+    chmod(logDir.c_str(), 0777);
+    suite->scenario({simDevice("UPS-A")}, {});
+    const pid_t pid = suite->launch({}, true);
+    const int status = suite->wait(pid);
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 1) << suite->stderrText();
+    EXPECT_NE(suite->log().find("[FATAL] {} <ShutService> deamonize: fork error <" +
+                                std::string(std::strerror(EAGAIN)) + ">\n"),
+              std::string::npos)
+        << suite->log();
+}
+
 TEST_F(DaemonTest, NoDaemonInAnyLetterCaseStaysInTheForeground) {
     suite->scenario({simDevice("UPS-A")}, {});
     const pid_t pid = suite->launch({"--NoDaemon"});

@@ -10,7 +10,9 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/mount.h>
+#include <grp.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -373,7 +375,9 @@ public:
     }
 
     // Starts ./shutsvc with the given arguments; returns its process id.
-    pid_t launch(const std::vector<std::string>& args = {"--nodaemon"}) {
+    // forkless: the daemon runs as the user nobody, allowed no further
+    // process, so that its every fork fails.
+    pid_t launch(const std::vector<std::string>& args = {"--nodaemon"}, bool forkless = false) {
         m_launched = std::chrono::steady_clock::now();
         const std::string exe = m_dir + "shutsvc";
         std::vector<std::string> env;
@@ -398,11 +402,20 @@ public:
         const std::string errPath = m_dir + "stderr.txt";
         const pid_t pid = fork();
         if (pid == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
             const int err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
             dup2(err, 1);
             dup2(err, 2);
             chdir("/");
+            if (forkless) {
+                const rlimit none{0, 0};
+                const uid_t nobody = 65534;
+                if (setrlimit(RLIMIT_NPROC, &none) != 0 || setgroups(0, nullptr) != 0 ||
+                    setgid(nobody) != 0 || setuid(nobody) != 0) {
+                    _exit(126);
+                }
+            }
+            // Set after any change of user, which would clear it.
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
             execve(exe.c_str(), argv.data(), envp.data());
             _exit(127);
         }
