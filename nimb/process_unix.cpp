@@ -42,11 +42,10 @@ int Process::spawn(const char* cmdline, int flags) {
         if (flags == NEW_SESSION)
             setsid();
         execve("/bin/sh", argv, environ);
-        // Only reached when the shell cannot be run. The child ends at once
-        // with the shell's own "cannot run" status: an exception here would
-        // unwind a copy of the caller (in the daemon, a second supervisor on
-        // the forking thread alone) instead of ending the child.
-        _exit(127);
+        // Only reached when the shell cannot be run. The failure is thrown in
+        // the child, into its copy of the caller, as the library always did.
+        const int error = errno;
+        throw SystemException("Error in execve(): " + System::getOSErrorMessage(error), ERR_SYSTEM);
     }
     return static_cast<int>(pid);
 }
