@@ -1,17 +1,18 @@
 #include "nimb/process.h"
 #include "nimb/system.h"
+#include "tests/support.h"
 
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
 
+#include <sys/wait.h>
+#include <unistd.h>
 #include <csignal>
 #include <fstream>
 #include <functional>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -23,14 +24,15 @@ using nimb::System;
 // running at the end of a test is killed and reaped.
 class ProcessTest : public ::testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(m_dir.isValid()); }
     void TearDown() override {
         for (pid_t pid : m_children) {
             kill(pid, SIGKILL);
             waitpid(pid, nullptr, 0);
         }
     }
-    std::string path(const std::string& name) const { return m_dir.path().toStdString() + "/" + name; }
+    std::string path(const std::string& name) const {
+        return m_dir.filePath(name.c_str()).toStdString();
+    }
     // The first line a child wrote into name, waiting up to 10 s for it.
     std::string read(const std::string& name) const {
         std::string line;
@@ -38,28 +40,17 @@ protected:
             std::getline(std::ifstream(path(name)), line);
         return line;
     }
-    // Runs a child that writes its id and sleeps; the result of the wait.
-    int runSleeper(unsigned long timeoutMs) {
-        const std::string file = "sleeper" + std::to_string(m_children.size());
-        const int rc = Process::createNewAndWait("echo $$ > '" + path(file) + "'; exec sleep 60",
-                                                 timeoutMs);
-        m_children.push_back(std::stoi(read(file)));
-        return rc;
-    }
 
     QTemporaryDir m_dir;
     std::vector<pid_t> m_children;
 };
 
 TEST_F(ProcessTest, ReturnsExitCodeOrSignalNumber) {
-    const struct {
-        const char* command;
-        int expected;
-    } rows[] = {{"exit 3", 3},           {"true", 0},           {"exit 255", 255},
-                {"sleep 0.3; exit 4", 4}, {"kill -9 $$", 9},     {"kill -TERM $$", 15},
-                {"no-such-command-anywhere 2>/dev/null", 127}};
-    for (const auto& row : rows)
-        EXPECT_EQ(Process::createNewAndWait(row.command, 20000), row.expected) << row.command;
+    const std::pair<const char*, int> rows[] = {
+        {"true", 0},       {"exit 255", 255},     {"sleep 0.3; exit 4", 4},
+        {"kill -9 $$", 9}, {"kill -TERM $$", 15}, {"no-such-command-anywhere 2>/dev/null", 127}};
+    for (const auto& [command, expected] : rows)
+        EXPECT_EQ(Process::createNewAndWait(command, 20000), expected) << command;
     const std::uint64_t start = System::getSystemTick();
     EXPECT_EQ(Process::createNewAndWait(std::string("exit 7"), 0, 60000), 7);
     // The wait ends with the child, far below the limit.
@@ -68,16 +59,20 @@ TEST_F(ProcessTest, ReturnsExitCodeOrSignalNumber) {
 
 TEST_F(ProcessTest, TimeOutLeavesTheChildRunning) {
     for (unsigned long limit : {300ul, 0ul}) {
+        const std::string file = "sleeper" + std::to_string(limit);
         const std::uint64_t start = System::getSystemTick();
-        EXPECT_EQ(runSleeper(limit), -1) << limit;
+        EXPECT_EQ(Process::createNewAndWait("echo $$ > '" + path(file) + "'; exec sleep 60", limit),
+                  -1);
         EXPECT_GE(System::getSystemTick() - start, limit);
+        m_children.push_back(std::stoi(read(file)));
         EXPECT_EQ(waitpid(m_children.back(), nullptr, WNOHANG), 0) << "child ended: " << limit;
     }
 }
 
 TEST_F(ProcessTest, NewSessionOnlyWithFlagOne) {
     const std::string report = "echo $$ $(cut -d' ' -f6 /proc/$$/stat) > '";
-    ASSERT_EQ(Process::createNewAndWait(report + path("new") + "'", Process::NEW_SESSION, 20000), 0);
+    ASSERT_EQ(Process::createNewAndWait(report + path("new") + "'", Process::NEW_SESSION, 20000),
+              0);
     ASSERT_EQ(Process::createNewAndWait(report + path("same") + "'", 2, 20000), 0);
     pid_t pid = 0, sid = -1;
     std::istringstream(read("new")) >> pid >> sid;
@@ -91,20 +86,15 @@ TEST_F(ProcessTest, NewSessionOnlyWithFlagOne) {
     EXPECT_EQ(getsid(child), child);
 }
 
-TEST_F(ProcessTest, EmptyCommandLineIsRejected) {
+TEST(ProcessArgumentTest, EmptyCommandLineIsRejected) {
     const char* none = nullptr;
-    for (const auto& call : std::vector<std::function<void()>>{
-             [] { Process::createNewAndWait("", 100); },
-             [none] { Process::createNewAndWait(none, 1, 100); },
-             [] { Process::createNew(std::string()); }, [none] { Process::createNew(none, 1); }}) {
-        try {
-            call();
-            ADD_FAILURE() << "no exception";
-        } catch (const nimb::InvalidArgumentException& e) {
-            EXPECT_EQ(e.message(), "Empty \"cmdline\" argument.");
-            EXPECT_EQ(e.code(), -202);
-        }
-    }
+    const std::function<void()> calls[] = {[] { Process::createNewAndWait("", 100); },
+                                           [none] { Process::createNewAndWait(none, 1, 100); },
+                                           [] { Process::createNew(std::string()); },
+                                           [none] { Process::createNew(none, 1); }};
+    for (const auto& call : calls)
+        support::expectFailure<nimb::InvalidArgumentException>(call, "Empty \"cmdline\" argument.",
+                                                               -202);
 }
 
 }  // namespace
