@@ -5,7 +5,6 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
-#include <mutex>
 #include <stdexcept>
 #include <vector>
 
@@ -34,103 +33,86 @@ private:
 };
 
 TEST(ThreadTest, LifecycleAndStopRequests) {
-    std::atomic<int> bodies{0};
+    std::atomic<int> started{0}, finished{0};
     std::atomic<bool> stoppingAtEntry{false};
     std::thread::id bodyId, reportedId;
     FunctionThread thread([&](Thread& self) {
         stoppingAtEntry = self.isStopping();
-        if (++bodies == 1) {
+        if (started == 0) {
             bodyId = std::this_thread::get_id();
             reportedId = self.id();
         }
+        ++started;
         while (!self.isStopping())
             Thread::sleep(1);
+        Thread::sleep(20);
+        ++finished;
         throw std::runtime_error("swallowed");
     });
     thread.stopRequest();
     EXPECT_FALSE(thread.isStopping()) << "ignored before start()";
     EXPECT_FALSE(thread.tryLock()) << "the mutex is used only while running";
     thread.start();
-    ASSERT_TRUE(eventually([&] { return thread.isRunning(); }));
-    thread.join();  // asks the body to stop, then waits for it
+    ASSERT_TRUE(eventually([&] { return started == 1 && thread.isRunning(); }));
+    thread.start();  // a second body: join() waits for both
+    ASSERT_TRUE(eventually([&] { return started == 2; }));
+    thread.join();  // asks the bodies to stop, then waits for them
+    EXPECT_EQ(finished, 2);
     EXPECT_TRUE(thread.isStopping());
     EXPECT_FALSE(thread.isRunning());
     EXPECT_NE(bodyId, std::this_thread::get_id());
     EXPECT_EQ(reportedId, bodyId);
     EXPECT_EQ(thread.id(), std::thread::id());
-    // The stop request outlives the run: a second start ends at once.
+    // The stop request outlives the run: a third start ends at once.
     thread.start();
     thread.join();
-    EXPECT_EQ(bodies, 2);
+    EXPECT_EQ(finished, 3);
     EXPECT_TRUE(stoppingAtEntry);
 }
 
-TEST(ThreadTest, SecondStartRunsAnotherBodyAndJoinWaitsForBoth) {
-    std::atomic<int> started{0}, finished{0};
-    FunctionThread thread([&](Thread& self) {
-        ++started;
-        while (!self.isStopping())
-            Thread::sleep(1);
-        Thread::sleep(20);
-        ++finished;
-    });
-    thread.start();
-    thread.start();
-    ASSERT_TRUE(eventually([&] { return started == 2; }));
-    thread.join();
-    EXPECT_EQ(finished, 2);
-}
-
-// Records when each callback began and ended; an action that throws leaves
-// no record.
-class RecordingTimer : public Timer {
+class FunctionTimer : public Timer {
 public:
-    explicit RecordingTimer(bool oneShot = false) : Timer(oneShot) {}
-    ~RecordingTimer() override { stop(); }
-    void onTimer(Timer&) override {
-        const auto begin = Clock::now();
-        if (action)
-            action();
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_spans.push_back({begin, Clock::now()});
-    }
-    std::vector<std::pair<Clock::time_point, Clock::time_point>> spans() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_spans;
-    }
-    bool waitTicks(size_t count) {
-        return eventually([&] { return spans().size() >= count; });
-    }
-
-    std::function<void()> action;  // set before start()
+    explicit FunctionTimer(std::function<void()> tick, bool oneShot = false)
+        : Timer(oneShot), m_tick(std::move(tick)) {}
+    ~FunctionTimer() override { stop(); }
+    void onTimer(Timer&) override { m_tick(); }
 
 private:
-    std::mutex m_mutex;
-    std::vector<std::pair<Clock::time_point, Clock::time_point>> m_spans;
+    std::function<void()> m_tick;
 };
 
-TEST(TimerTest, NextPeriodCountsFromEndOfCallback) {
-    RecordingTimer timer;
-    timer.action = [] { Thread::sleep(30); };
+TEST(TimerTest, NextPeriodCountsFromEndOfCallbackAndStopIsFinal) {
+    std::vector<std::pair<Clock::time_point, Clock::time_point>> spans;
+    std::atomic<size_t> ticks{0};
+    FunctionTimer timer([&] {
+        const auto begin = Clock::now();
+        Thread::sleep(30);
+        spans.push_back({begin, Clock::now()});
+        ++ticks;
+    });
+    EXPECT_EQ(timer.interval(), 0u);
+    timer.stop();
+    EXPECT_FALSE(timer.isStopping()) << "stop() of an unstarted timer does nothing";
     const auto started = Clock::now();
     timer.start(40);
-    ASSERT_TRUE(timer.waitTicks(3));
+    ASSERT_TRUE(eventually([&] { return ticks >= 3; }));
     timer.stop();
-    const auto spans = timer.spans();
     EXPECT_GE(spans[0].first - started, milliseconds(40));
     for (size_t i = 1; i < spans.size(); ++i)
         EXPECT_GE(spans[i].first - spans[i - 1].second, milliseconds(40)) << "tick " << i;
+    // A stopped timer never ticks again, not even when started anew.
+    timer.start(0);
     Thread::sleep(50);
-    EXPECT_EQ(timer.spans().size(), spans.size()) << "ticked after stop()";
+    timer.stop();
+    EXPECT_EQ(ticks, spans.size());
 }
 
 TEST(TimerTest, ZeroIntervalTicksAboutEveryMillisecondDespiteExceptions) {
     std::atomic<size_t> calls{0};
-    RecordingTimer timer;
-    timer.action = [&] {
+    FunctionTimer timer([&] {
         ++calls;
         throw SystemException("tick failed", ERR_SYSTEM);
-    };
+    });
     const auto started = Clock::now();
     timer.start(0);
     ASSERT_TRUE(eventually([&] { return calls >= 50; }));
@@ -141,52 +123,44 @@ TEST(TimerTest, ZeroIntervalTicksAboutEveryMillisecondDespiteExceptions) {
 }
 
 TEST(TimerTest, OneShotFiresOnceAfterIntervalAndEnds) {
-    RecordingTimer timer(true);
+    std::atomic<int> ticks{0};
+    Clock::time_point fired;
+    FunctionTimer timer(
+        [&] {
+            fired = Clock::now();
+            ++ticks;
+        },
+        true);
     const auto started = Clock::now();
     timer.start(30);
-    ASSERT_TRUE(timer.waitTicks(1));
-    EXPECT_GE(timer.spans()[0].first - started, milliseconds(30));
-    ASSERT_TRUE(eventually([&] { return !timer.isRunning(); }));
-    EXPECT_EQ(timer.spans().size(), 1u);
+    ASSERT_TRUE(eventually([&] { return ticks > 0 && !timer.isRunning(); }));
+    EXPECT_GE(fired - started, milliseconds(30));
+    EXPECT_EQ(ticks, 1);
     EXPECT_FALSE(timer.isStopping());
 }
 
-TEST(TimerTest, StoppedTimerNeverTicksAgain) {
-    RecordingTimer timer;
-    EXPECT_EQ(timer.interval(), 0u);
-    timer.stop();
-    EXPECT_FALSE(timer.isStopping()) << "stop() of an unstarted timer does nothing";
-    timer.start(1);
-    ASSERT_TRUE(timer.waitTicks(1));
-    timer.stop();
-    const size_t ticks = timer.spans().size();
-    timer.start(0);
-    Thread::sleep(100);
-    timer.stop();
-    EXPECT_EQ(timer.spans().size(), ticks);
-}
-
 TEST(TimerTest, StopWaitsForCallbackAndEndsLongWaits) {
-    std::atomic<bool> entered{false};
-    RecordingTimer busy;
-    busy.action = [&] {
-        entered = true;
+    std::atomic<int> entered{0}, left{0};
+    FunctionTimer busy([&] {
+        ++entered;
         Thread::sleep(100);
-    };
+        ++left;
+    });
     busy.start(1);
-    ASSERT_TRUE(eventually([&] { return entered.load(); }));
+    ASSERT_TRUE(eventually([&] { return entered > 0; }));
     busy.stop();
-    EXPECT_EQ(busy.spans().size(), 1u);
+    EXPECT_EQ(entered + left, 2);
 
     // Each would wait an hour if the loop missed the wake-up.
-    RecordingTimer stopped, shortened;
+    std::atomic<int> stoppedTicks{0}, shortenedTicks{0};
+    FunctionTimer stopped([&] { ++stoppedTicks; }), shortened([&] { ++shortenedTicks; });
     stopped.start(3600 * 1000);
     shortened.start(3600 * 1000);
     Thread::sleep(20);
     stopped.stop();
     shortened.setInterval(1);
-    EXPECT_TRUE(shortened.waitTicks(1));
-    EXPECT_TRUE(stopped.spans().empty());
+    EXPECT_TRUE(eventually([&] { return shortenedTicks > 0; }));
+    EXPECT_EQ(stoppedTicks, 0);
 }
 
 }  // namespace
