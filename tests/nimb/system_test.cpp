@@ -1,5 +1,5 @@
-#include "nimb/file.h"
 #include "nimb/system.h"
+#include "nimb/file.h"
 #include "nimb/system_testing.h"
 #include "tests/support.h"
 
@@ -8,28 +8,21 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include <cerrno>
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-#include <string>
 #include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
+#include <cerrno>
+#include <cstdlib>
+#include <string>
 
-using support::writeFile;
 using support::expectFailure;
+using support::readFile;
+using support::writeFile;
 
 namespace {
 
 using nimb::OsInfo;
 using nimb::System;
-
-std::string readAll(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
 
 // A temporary folder that is the whole PATH while a test runs, so that the
 // shell only finds the fake tools written into it; the power-state file and
@@ -48,16 +41,14 @@ protected:
         nimb::testing::setPowerStatePath(std::string());
         nimb::testing::setReleaseFileRoot(std::string());
     }
-    // A tool that appends its arguments to <name>.args and prints output;
-    // with wait set it then blocks until "go" exists (5 s at most).
-    std::string fake(const std::string& name, const std::string& output, bool wait = false) {
+    // A tool that appends its arguments to <name>.args, prints output, then
+    // runs the shell commands in rest.
+    std::string fake(const std::string& name, const std::string& output,
+                     const std::string& rest = "") {
         const std::string tool = m_bin + "/" + name;
         writeFile(tool,
                   "#!/bin/sh\nprintf '%s\\n' \"$*\" >> '" + tool + ".args'\nprintf '" + output +
-                      "'\n" + (wait ? "i=0; while [ ! -e '" + m_bin + "/go' ] && [ $i -lt 100 ]; do "
-                                      "/bin/sleep 0.05; i=$((i+1)); done; printf x > '" + tool +
-                                      ".done'\n"
-                                    : ""),
+                      "'\n" + rest,
                   0755);
         return tool;
     }
@@ -87,7 +78,8 @@ TEST_F(FakeSystemTest, SuspendToDisk) {
     expectFailure<nimb::FileNotOpenException>(System::supportSuspendToDisk, missing, -32012);
     expectFailure<nimb::FileNotOpenException>(System::suspendToDisk, missing, -32012);
     // "disk" in the third read of 2048 bytes counts too.
-    for (const std::string& text : {std::string("freeze mem disk\n"), std::string(4090, ' ') + "disk"}) {
+    for (const std::string& text :
+         {std::string("freeze mem disk\n"), std::string(4090, ' ') + "disk"}) {
         writeFile(state, text);
         EXPECT_TRUE(System::supportSuspendToDisk());
     }
@@ -98,45 +90,49 @@ TEST_F(FakeSystemTest, SuspendToDisk) {
                                          "Error: Suspend to Disk not supported.", -305);
     writeFile(state, "mem disk\n");
     System::suspendToDisk();
-    EXPECT_EQ(readAll(state), "diskdisk\n");
+    EXPECT_EQ(readFile(state), "diskdisk\n");
 }
 
 TEST_F(FakeSystemTest, ShutdownAndRebootRunTheCommandInTheBackground) {
-    for (const auto& row : {std::make_pair(System::systemShutdown, "now\n"),
-                            std::make_pair(System::systemReboot, "-r now\n")}) {
-        const std::string tool = fake("shutdown", "", true);
-        for (const std::string& old : {tool + ".args", tool + ".done", m_bin + "/go"})
-            unlink(old.c_str());
+    const std::string go = m_bin + "/go", done = m_bin + "/done";
+    // The fake waits for "go" (5 s at most) before it leaves "done".
+    const std::string tool = fake("shutdown", "",
+                                  "i=0; while [ ! -e '" + go +
+                                      "' ] && [ $i -lt 100 ]; do "
+                                      "/bin/sleep 0.05; i=$((i+1)); done; : > '" +
+                                      done + "'\n");
+    for (void (*call)() : {System::systemShutdown, System::systemReboot}) {
+        unlink(go.c_str());
+        unlink(done.c_str());
         // Only ever with the fake's folder as the whole PATH.
         ASSERT_STREQ(std::getenv("PATH"), m_bin.c_str()) << "refusing to shut down";
         ASSERT_EQ(access(tool.c_str(), X_OK), 0) << "refusing to shut down";
-        row.first();
-        // The fake is still waiting for "go": the call did not wait for it.
-        EXPECT_FALSE(nimb::File::fileExists(tool + ".done"));
-        writeFile(m_bin + "/go", "");
-        for (int i = 0; i < 1000 && !nimb::File::fileExists(tool + ".done"); ++i)
+        call();
+        EXPECT_FALSE(nimb::File::fileExists(done)) << "the call waited for the command";
+        writeFile(go, "");
+        for (int i = 0; i < 1000 && !nimb::File::fileExists(done); ++i)
             System::delay(10);
-        EXPECT_EQ(readAll(tool + ".args"), row.second);
     }
+    EXPECT_EQ(readFile(tool + ".args"), "now\n-r now\n");
 }
 
 TEST_F(FakeSystemTest, FullNameFromLsbReleaseThenReleaseFiles) {
     EXPECT_EQ(System::getSysFullName(), "");
     ASSERT_EQ(mkdir((m_bin + "/etc").c_str(), 0755), 0);
     // Each row adds a file that comes earlier in the search order.
-    const char* rows[][3] = {
-        {"gentoo-release", "Gentoo 2.14\n", "Gentoo 2.14"},
-        {"redhat-release", "Fedora release 39\n", "Fedora release 39"},
-        {"redhat_version", "9\n", "RedHat Linux 9"}, {"slackware-version", "Slack 15\n", "Slack 15"},
-        {"debian_version", "12.4\n", "Debian GNU/Linux 12.4"},
-        {"issue", "Debian GNU/Linux 12 \\n \\l\n\n", "Debian GNU/Linux 12"}};
+    const char* rows[][3] = {{"gentoo-release", "Gentoo 2.14\n", "Gentoo 2.14"},
+                             {"redhat-release", "Fedora release 39\n", "Fedora release 39"},
+                             {"redhat_version", "9\n", "RedHat Linux 9"},
+                             {"slackware-version", "Slack 15\n", "Slack 15"},
+                             {"debian_version", "12.4\n", "Debian GNU/Linux 12.4"},
+                             {"issue", "Debian GNU/Linux 12 \\n \\l\n\n", "Debian GNU/Linux 12"}};
     for (const auto& row : rows) {
         writeFile(m_bin + "/etc/" + row[0], row[1]);
         EXPECT_EQ(System::getSysFullName(), row[2]) << row[0];
     }
     const std::string tool = fake("lsb_release", " \"Fake Linux 7.1 (x)\" \\nsecond\\n");
     EXPECT_EQ(System::getSysFullName(), "Fake Linux 7.1 (x)");
-    EXPECT_EQ(readAll(tool + ".args"), "-ds\n");
+    EXPECT_EQ(readFile(tool + ".args"), "-ds\n");
     EXPECT_EQ(System::getSysName("Fake Linux 7.1 (x)"), "Fake Linux");
     EXPECT_EQ(System::getSysVersion("\"Ubuntu 22.04.3 LTS\""), "22.04.3");
     EXPECT_EQ(System::getSysVersion("Arch Linux"), "0.0");
@@ -148,22 +144,25 @@ TEST_F(FakeSystemTest, PlatformFromNameThenPackageTools) {
     fake("emerge", "");  // present but silent: does not count
     // Added in reverse order of probing, each new tool wins.
     const std::pair<const char*, OsInfo::Platform> tools[] = {
-        {"rpm", OsInfo::PLATFORM_REDHAT}, {"dpkg", OsInfo::PLATFORM_DEBIAN},
-        {"installpkg", OsInfo::PLATFORM_SLACKWARE}, {"emerge", OsInfo::PLATFORM_GENTOO}};
+        {"rpm", OsInfo::PLATFORM_REDHAT},
+        {"dpkg", OsInfo::PLATFORM_DEBIAN},
+        {"installpkg", OsInfo::PLATFORM_SLACKWARE},
+        {"emerge", OsInfo::PLATFORM_GENTOO}};
     for (const auto& row : tools) {
         fake(row.first, std::string(row.first) + " 1.0\\n");
         EXPECT_EQ(System::getSysPlatform("Fake Linux"), row.second) << row.first;
     }
     // Probing stops at the first tool that answers.
-    EXPECT_EQ(readAll(m_bin + "/rpm.args") + readAll(m_bin + "/installpkg.args"), "--version\n\n");
-    EXPECT_EQ(readAll(m_bin + "/emerge.args"), "--version\n--version\n--version\n--version\n");
+    EXPECT_EQ(readFile(m_bin + "/rpm.args") + readFile(m_bin + "/installpkg.args"),
+              "--version\n\n");
+    EXPECT_EQ(readFile(m_bin + "/emerge.args"), "--version\n--version\n--version\n--version\n");
 }
 
 TEST(OsInfoTest, ArchitecturesAndTexts) {
     const std::pair<const char*, const char*> rows[] = {
-        {"i86pc", "x86"},     {" 'X86_64' ", "amd64"}, {"sun4u", "sparc64"}, {"r10", "mips"},
-        {"ppc64", "ppc"},     {"armv7l", "arm"},       {"armv8l", "arm64"},  {"AArch64", "arm64"},
-        {"riscv64", "unknown"}};
+        {"i86pc", "x86"},    {" 'X86_64' ", "amd64"}, {"sun4u", "sparc64"},
+        {"r10", "mips"},     {"ppc64", "ppc"},        {"armv7l", "arm"},
+        {"armv8l", "arm64"}, {"AArch64", "arm64"},    {"riscv64", "unknown"}};
     for (const auto& row : rows)
         EXPECT_EQ(OsInfo::archAsStr(System::getSysArch(std::string(row.first))), row.second);
     EXPECT_EQ(OsInfo::archAsStr(11), "unknown");
@@ -182,7 +181,8 @@ TEST(OsInfoTest, IdentificationOfThisMachine) {
                   System::getSysFullName() + ", version=" + System::getSysVersion(info.fullName()) +
                   ", buildNumber=" + uts.release + " " + uts.version +
                   ", servicePackName=, servicePackVersion=, platform=" + info.platformAsStr() +
-                  ", arch=" + OsInfo::archAsStr(System::getSysArch(std::string(uts.machine))) + "}");
+                  ", arch=" + OsInfo::archAsStr(System::getSysArch(std::string(uts.machine))) +
+                  "}");
     EXPECT_TRUE(info.isLinux());
 }
 
