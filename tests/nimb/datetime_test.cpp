@@ -14,57 +14,35 @@ using nimb::DateTime;
 const long long HOUR = 3600 * 1000LL;
 const long long DAY = 24 * HOUR;
 
-// Runs each test of the fixture in the time zone it names, and restores the
-// previous one afterwards.
-class InZone {
-public:
-    explicit InZone(const char* zone) {
-        const char* previous = getenv("TZ");
-        m_had = previous != nullptr;
-        m_previous = m_had ? previous : "";
-        setenv("TZ", zone, 1);
-        tzset();
-    }
-    ~InZone() {
-        if (m_had)
-            setenv("TZ", m_previous.c_str(), 1);
-        else
-            unsetenv("TZ");
-        tzset();
-    }
-
-private:
-    bool m_had;
-    std::string m_previous;
-};
+// Dates are read and written in the local zone: each test fixes it first.
+void setZone(const char* zone) {
+    setenv("TZ", zone, 1);
+    tzset();
+}
 
 TEST(DateTimeTest, TextInTheLocalZone) {
-    {
-        InZone utc("UTC0");
-        EXPECT_EQ(DateTime::dateTimeToStr(0, nullptr, 0), "1970/01/01 00:00:00.000");
-        EXPECT_EQ(DateTime::dateTimeToStr(1500, "HH:mm:ss.zzz", 250), "00:00:01.750");
-        EXPECT_EQ(DateTime::strToDateTime("1970/01/02 00:00:00.001", DateTime::DEFAULT_FORMAT),
-                  DAY + 1);
-        EXPECT_EQ(DateTime::diffTimeZone(), 0);
-    }
-    {
-        // Three hours east of Greenwich, no daylight saving time.
-        InZone east("XST-3");
-        EXPECT_EQ(DateTime::dateTimeToStr(0, std::string("yyyy-MM-dd HH:mm"), 0),
-                  "1970-01-01 03:00");
-        EXPECT_EQ(DateTime::strToDateTime(std::string("1970/01/01 03:00:00.000"),
-                                          std::string(DateTime::DEFAULT_FORMAT)),
-                  0);
-        EXPECT_EQ(DateTime::diffTimeZone(), 3 * HOUR);
-        EXPECT_EQ(DateTime::dateTimeToStr(
-                      DateTime::strToDateTime("2026/11/22 10:20:30.456", DateTime::DEFAULT_FORMAT)),
-                  "2026/11/22 10:20:30.456");
-    }
+    setZone("UTC0");
+    EXPECT_EQ(DateTime::dateTimeToStr(0, nullptr, 0), "1970/01/01 00:00:00.000");
+    EXPECT_EQ(DateTime::dateTimeToStr(1500, "HH:mm:ss.zzz", 250), "00:00:01.750");
+    EXPECT_EQ(DateTime::strToDateTime("1970/01/02 00:00:00.001", DateTime::DEFAULT_FORMAT),
+              DAY + 1);
+    EXPECT_EQ(DateTime::diffTimeZone(), 0);
+    // Three hours east of Greenwich, no daylight saving time.
+    setZone("XST-3");
+    EXPECT_EQ(DateTime::dateTimeToStr(0, std::string("yyyy-MM-dd HH:mm"), 0), "1970-01-01 03:00");
+    EXPECT_EQ(DateTime::strToDateTime(std::string("1970/01/01 03:00:00.000"),
+                                      std::string(DateTime::DEFAULT_FORMAT)),
+              0);
+    EXPECT_EQ(DateTime::diffTimeZone(), 3 * HOUR);
+    EXPECT_EQ(DateTime::dateTimeToStr(
+                  DateTime::strToDateTime("2026/11/22 10:20:30.456", DateTime::DEFAULT_FORMAT)),
+              "2026/11/22 10:20:30.456");
 }
 
 TEST(DateTimeTest, CalendarArithmetic) {
-    InZone utc("UTC0");
-    const long long jan31 = DateTime::strToDateTime("2024/01/31 12:00:00.000", DateTime::DEFAULT_FORMAT);
+    setZone("UTC0");
+    const long long jan31 =
+        DateTime::strToDateTime("2024/01/31 12:00:00.000", DateTime::DEFAULT_FORMAT);
     EXPECT_EQ(DateTime::dateTimeToStr(DateTime::addMonth(jan31, 1)), "2024/02/29 12:00:00.000");
     EXPECT_EQ(DateTime::dateTimeToStr(DateTime::addYear(DateTime::addMonth(jan31, 1), 1)),
               "2025/02/28 12:00:00.000");

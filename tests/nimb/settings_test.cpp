@@ -31,9 +31,19 @@ protected:
     Settings m_settings;
 };
 
-TEST_F(SettingsTest, ClosedObjectFailsButDefaultsStillWork) {
-    EXPECT_FALSE(m_settings.isOpen());
+TEST_F(SettingsTest, FailedOpenLeavesItClosedAndClosedFailsButForDefaults) {
     EXPECT_EQ(m_settings.value("KEY", Variant("fallback")).toStr(), "fallback");
+    const std::string ini = path("test.ini");
+    writeFile(ini, "[A]\nK=1\n");
+    const std::pair<std::function<void()>, std::string> opens[] = {
+        {[&] { m_settings.open(nullptr); }, "Empty \"filename\" argument."},
+        {[&] { m_settings.open(std::string()); }, "Empty \"filename\" argument."},
+        {[&] { m_settings.open(ini, "NO-SUCH-CODEC"); }, "Invalid codec: \"NO-SUCH-CODEC\"."}};
+    for (const auto& [open, message] : opens) {
+        m_settings.open(ini, "UTF-8");
+        expectFailure<InvalidArgumentException>(open, message, -202);
+        EXPECT_FALSE(m_settings.isOpen());
+    }
     m_settings.close();
     const std::function<void()> calls[] = {
         [&] { m_settings.chGroup("G"); },    [&] { m_settings.backGroup(); },
@@ -42,20 +52,6 @@ TEST_F(SettingsTest, ClosedObjectFailsButDefaultsStillWork) {
         [&] { m_settings.setValue("K", 1); }};
     for (const auto& call : calls)
         expectFailure<FileNotOpenException>(call, "Error: file not opened.", -32012);
-}
-
-TEST_F(SettingsTest, OpenRejectsEmptyNamesAndUnknownCodecs) {
-    const std::string ini = path("test.ini");
-    writeFile(ini, "[A]\nK=1\n");
-    const std::pair<std::function<void()>, std::string> rows[] = {
-        {[&] { m_settings.open(nullptr); }, "Empty \"filename\" argument."},
-        {[&] { m_settings.open(std::string()); }, "Empty \"filename\" argument."},
-        {[&] { m_settings.open(ini, "NO-SUCH-CODEC"); }, "Invalid codec: \"NO-SUCH-CODEC\"."}};
-    for (const auto& [call, message] : rows) {
-        m_settings.open(ini, "UTF-8");
-        expectFailure<InvalidArgumentException>(call, message, -202);
-        EXPECT_FALSE(m_settings.isOpen());
-    }
 }
 
 TEST_F(SettingsTest, ReadsGroupsAndKeysStrictly) {
