@@ -1,6 +1,7 @@
 #include "nimb/datetime.h"
 
 #include <QDateTime>
+#include <QLocale>
 #include <QString>
 
 namespace nimb {
@@ -17,7 +18,9 @@ long long DateTime::now(int offsetMs) { return QDateTime::currentMSecsSinceEpoch
 
 std::string DateTime::dateTimeToStr(long long ms, const char* format, int offsetMs) {
     const QString pattern = QString::fromUtf8(format ? format : DEFAULT_FORMAT);
-    return local(ms + offsetMs).toString(pattern).toStdString();
+    // In the C locale: digits and names never follow the user's language, so
+    // that logs and stored texts read the same on every machine.
+    return QLocale::c().toString(local(ms + offsetMs), pattern).toStdString();
 }
 
 std::string DateTime::dateTimeToStr(long long ms, const std::string& format, int offsetMs) {
@@ -25,8 +28,8 @@ std::string DateTime::dateTimeToStr(long long ms, const std::string& format, int
 }
 
 long long DateTime::strToDateTime(const char* text, const char* format) {
-    return QDateTime::fromString(QString::fromUtf8(text ? text : ""),
-                                 QString::fromUtf8(format ? format : ""))
+    return QLocale::c()
+        .toDateTime(QString::fromUtf8(text ? text : ""), QString::fromUtf8(format ? format : ""))
         .toMSecsSinceEpoch();
 }
 

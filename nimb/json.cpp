@@ -12,6 +12,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "nimb/datetime.h"
+
 namespace nimb {
 
 namespace {
@@ -263,9 +265,8 @@ long long JsonValue::toDateTime() const {
     if (value.isString()) {
         // The zone designator behind the date and time is not read: the text
         // is local time as written by fromDateTime().
-        const QString text = value.toString().left(DATE_TIME_LENGTH);
-        const QDateTime dateTime = QDateTime::fromString(text, QLatin1String(DATE_TIME_FORMAT));
-        return dateTime.toMSecsSinceEpoch();
+        return DateTime::strToDateTime(toUtf8(value.toString().left(DATE_TIME_LENGTH)),
+                                       DATE_TIME_FORMAT);
     }
     return 0;
 }
@@ -279,10 +280,9 @@ bool JsonValue::operator!=(const JsonValue& other) const {
 }
 
 JsonValue& JsonValue::fromDateTime(long long ms, int offsetMs) {
-    const QDateTime local = QDateTime::fromMSecsSinceEpoch(ms + offsetMs, Qt::LocalTime);
     // The designator tells the zone of the machine now, not of offsetMs.
-    const std::string text =
-        toUtf8(local.toString(QLatin1String(DATE_TIME_FORMAT))) + zoneDesignator(localZoneOffset());
+    const std::string text = DateTime::dateTimeToStr(ms, DATE_TIME_FORMAT, offsetMs) +
+                             zoneDesignator(localZoneOffset());
     m_value = QJsonValue(fromUtf8(text));
     return *this;
 }

@@ -1,6 +1,5 @@
 #include "nimb/logger.h"
 
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QString>
@@ -9,6 +8,8 @@
 
 #include <iostream>
 
+#include "nimb/datetime.h"
+
 namespace nimb {
 
 namespace {
@@ -16,7 +17,8 @@ namespace {
 const char* const LEVEL_NAMES[] = {"TRACE", "DEBUG", "INFO", "WARNING", "ERROR", "FATAL"};
 
 QString timeStamp() {
-    return QDateTime::currentDateTime().toString(QStringLiteral("dd-MM-yyyy hh:mm:ss.zzz"));
+    return QString::fromStdString(
+        DateTime::dateTimeToStr(DateTime::now(), "dd-MM-yyyy hh:mm:ss.zzz"));
 }
 
 // Concatenated rather than filled in with QString::arg, so that a "%1" in a
@@ -43,11 +45,11 @@ void fileLine(const LoggerConfig& config, LogLevel level, const char* line) {
 
     QString rotatedTo;
     if (QFileInfo(filename).size() >= LoggerWriter::ROTATE_SIZE) {
-        const QDateTime now = QDateTime::currentDateTime();
         // The rotated file ends in ".log" whatever the configured extension.
-        const QString target = base + QLatin1Char('_') + now.toString(QStringLiteral("dd_MM_yy")) +
-                               QStringLiteral("__") + now.toString(QStringLiteral("hh_mm_ss")) +
-                               QStringLiteral(".log");
+        const QString target =
+            base + QLatin1Char('_') +
+            QString::fromStdString(DateTime::dateTimeToStr(DateTime::now(), "dd_MM_yy__hh_mm_ss")) +
+            QStringLiteral(".log");
         if (QFile::rename(filename, target))
             rotatedTo = target;
     }

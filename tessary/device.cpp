@@ -3,9 +3,9 @@
 #include <cmath>
 #include <limits>
 
-#include <QDateTime>
 #include <QString>
 
+#include "nimb/datetime.h"
 #include "nimb/file.h"
 
 namespace tessary {
@@ -33,7 +33,7 @@ std::string hex4(int value) {
 }
 
 std::string localTime(long long ms) {
-    return QDateTime::fromMSecsSinceEpoch(ms).toString(TEXT_TIME_FORMAT).toStdString();
+    return nimb::DateTime::dateTimeToStr(ms, TEXT_TIME_FORMAT);
 }
 
 std::string lowered(const std::string& text) {

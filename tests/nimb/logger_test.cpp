@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -133,7 +134,7 @@ TEST_F(LoggerTest, RotatesFromOneMebibyte) {
         EXPECT_EQ(QFileInfo(path(files[0])).size(), size);
         // Named after the time of the rotation, in whole seconds.
         const auto nameAt = [&](const QDateTime& t) {
-            return prefix + t.toString("dd_MM_yy__hh_mm_ss") + ".log";
+            return prefix + QLocale::c().toString(t, "dd_MM_yy__hh_mm_ss") + ".log";
         };
         EXPECT_TRUE(files[0] == nameAt(from) || files[0] == nameAt(to)) << files[0].toStdString();
         const QStringList lines = linesOf(path(name));
