@@ -239,6 +239,15 @@ private:
     std::string m_error;
 };
 
+// The exit status of a wait status; 128 + the signal for a process that a
+// signal ended, and -1 for one that did not end.
+inline int exitCode(int status) {
+    if (status == -1) {
+        return -1;
+    }
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
 // One event of a scenario: at `at` seconds after the connection.
 struct Event {
     double at;
@@ -413,6 +422,11 @@ public:
         return ended.first > 0 ? ended : std::make_pair(pid_t(-1), -1);
     }
 
+    // The number of ticks that examined the devices so far.
+    int ticks() const { return countOf(log(), "ShutService: <onTimer> status: {"); }
+    bool ticksReach(int count, int timeoutMs) const {
+        return waitFor([&] { return ticks() >= count; }, timeoutMs);
+    }
     bool logHas(const std::string& text, int timeoutMs) const {
         return waitFor([&] { return log().find(text) != std::string::npos; }, timeoutMs);
     }
