@@ -2,15 +2,12 @@
 // exact message and code of an expected exception.
 #pragma once
 
-#include <sys/stat.h>
-
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "nimb/json.h"
+#include "tests/files.h"
 
 namespace support {
 
@@ -24,18 +21,6 @@ inline nimb::JsonObject parsed(const std::string& text) {
     document.fromJson(text);
     EXPECT_TRUE(document.isObject()) << text;
     return document.object();
-}
-
-inline std::string readFile(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-inline void writeFile(const std::string& path, const std::string& text, mode_t mode = 0644) {
-    std::ofstream(path, std::ios::trunc) << text;
-    chmod(path.c_str(), mode);
 }
 
 // Expects call() to throw exactly an E (or a subclass) with this message and code.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -29,7 +30,8 @@ protected:
         if (suite) {
             suite->killAll();
             if (HasFailure()) {
-                std::cerr << "---- daemon log\n" << suite->log() << "---- daemon stderr\n"
+                std::cerr << "---- daemon log\n"
+                          << suite->log() << "---- daemon stderr\n"
                           << suite->stderrText() << "---- journal (tail)\n"
                           << tail(suite->journal(), 40);
             }

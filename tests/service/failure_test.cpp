@@ -9,10 +9,6 @@ using e2e::Isolation;
 using e2e::readFile;
 using e2e::simDevice;
 
-int statusLines(const std::string& log) {
-    return e2e::countOf(log, "ShutService: <onTimer> status: {");
-}
-
 TEST_F(DaemonTest, FailingShutdownCommandResetsTheSequenceAndSupervisesAgain) {
     Isolation& iso = Isolation::instance();
     ASSERT_TRUE(iso.failingShutdownShell());
@@ -39,11 +35,12 @@ TEST_F(DaemonTest, MonitorFailureIsLoggedAndSupervisionGoesOnWhenItRecovers) {
     suite->scenario({simDevice("UPS-A")},
                     {{0, "", "serverDown"}, {0, "UPS-A", "mainsFail"}, {7, "", "serverUp"}});
     suite->launch();
-    ASSERT_TRUE(suite->logHas("[ERROR] {} ShutService: <onTimer> Error calling devices in libCLient: "
-                              "Error executing libclient::getDeviceList().\n",
-                              20000))
+    ASSERT_TRUE(
+        suite->logHas("[ERROR] {} ShutService: <onTimer> Error calling devices in libCLient: "
+                      "Error executing libclient::getDeviceList().\n",
+                      20000))
         << suite->log();
-    EXPECT_EQ(statusLines(suite->log()), 0);
+    EXPECT_EQ(suite->ticks(), 0);
     EXPECT_TRUE(suite->shutdownCalled(25000));
 }
 
@@ -52,12 +49,13 @@ TEST_F(DaemonTest, DeviceReadFailureClearsTheDataAndDecidesNothing) {
     suite->scenario({simDevice("UPS-A"), simDevice("UPS-Z")},
                     {{0, "UPS-A", "mainsFail"}, {0, "UPS-Z", "readFail"}});
     suite->launch();
-    ASSERT_TRUE(suite->logHas("[ERROR] {} ShutService: <onTimer> Error getting device info: "
-                              "Error executing libclient::getRegressiveCounter().\n",
-                              20000))
+    ASSERT_TRUE(
+        suite->logHas("[ERROR] {} ShutService: <onTimer> Error getting device info: "
+                      "Error executing libclient::getRegressiveCounter().\n",
+                      20000))
         << suite->log();
     std::this_thread::sleep_for(std::chrono::milliseconds(4000));
-    EXPECT_EQ(statusLines(suite->log()), 0);
+    EXPECT_EQ(suite->ticks(), 0);
     EXPECT_EQ(suite->shutdownCount(), 0);
 
     suite->eventNow("UPS-Z", "readOk");
@@ -70,9 +68,9 @@ TEST_F(DaemonTest, EmptyDeviceListLeavesTheDataAndDecidesNothing) {
     suite->scenario({simDevice("UPS-A", "", 0, 6)},
                     {{0, "UPS-A", "mainsFail"}, {4, "UPS-A", "remove"}});
     suite->launch();
-    ASSERT_TRUE(e2e::waitFor([&] { return statusLines(suite->log()) >= 1; }, 15000));
+    ASSERT_TRUE(suite->ticksReach(1, 15000));
     std::this_thread::sleep_for(std::chrono::milliseconds(8000));
-    EXPECT_EQ(statusLines(suite->log()), 1) << suite->log();
+    EXPECT_EQ(suite->ticks(), 1) << suite->log();
     EXPECT_EQ(suite->shutdownCount(), 0);
 
     suite->eventNow("UPS-A", "restore");

@@ -6,30 +6,24 @@
 // only records its arguments. Nothing outside the temporary folder changes.
 #pragma once
 
-#include <dirent.h>
 #include <fcntl.h>
+#include <grp.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/mount.h>
-#include <grp.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <sched.h>
-
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdlib>
-#include <iostream>
-#include <memory>
-#include <chrono>
 #include <cstring>
-#include <fstream>
+#include <filesystem>
 #include <functional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -39,25 +33,12 @@
 #include "nimb/json.h"
 #include "tessary/device.h"
 #include "tessary/devsettings.h"
-
-extern char** environ;
+#include "tests/files.h"
 
 namespace e2e {
 
-inline std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
-
-inline void writeFile(const std::string& path, const std::string& content, mode_t mode = 0644) {
-    {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out << content;
-    }
-    chmod(path.c_str(), mode);
-}
+using support::readFile;
+using support::writeFile;
 
 inline bool exists(const std::string& path) {
     struct stat st;
@@ -133,8 +114,10 @@ public:
         writeFile(wrapper,
                   "#!/bin/bash\n"
                   "if [ \"$1\" = \"-c\" ] && [ \"$2\" = \"shutdown now&\" ] && [ -e \"" +
-                      m_root + "/shell-fails\" ]; then exit 3; fi\n"
-                      "exec \"" + realShell + "\" \"$@\"\n",
+                      m_root +
+                      "/shell-fails\" ]; then exit 3; fi\n"
+                      "exec \"" +
+                      realShell + "\" \"$@\"\n",
                   0755);
         return mount(wrapper.c_str(), resolved, nullptr, MS_BIND, nullptr) == 0;
     }
@@ -190,23 +173,20 @@ private:
         if (!bind("/etc", real)) {
             return false;
         }
-        DIR* dir = opendir(real.c_str());
-        if (dir == nullptr) {
-            m_error = errnoText("opendir /etc");
+        std::error_code error;
+        for (const auto& entry : std::filesystem::directory_iterator(real, error)) {
+            const std::string name = entry.path().filename();
+            if (name != "tessary.conf") {
+                std::filesystem::create_symlink(entry.path(), farm + "/" + name, error);
+            }
+            if (error) {
+                break;
+            }
+        }
+        if (error) {
+            m_error = "cannot link the entries of /etc: " + error.message();
             return false;
         }
-        while (dirent* entry = readdir(dir)) {
-            const std::string name = entry->d_name;
-            if (name == "." || name == ".." || name == "tessary.conf") {
-                continue;
-            }
-            if (symlink((real + "/" + name).c_str(), (farm + "/" + name).c_str()) != 0) {
-                m_error = errnoText("symlink");
-                closedir(dir);
-                return false;
-            }
-        }
-        closedir(dir);
         writeFile(tessaryConf(), "");
         return bind(farm, "/etc");
     }
@@ -235,8 +215,8 @@ private:
         writeFile(recorder,
                   "#!/bin/sh\necho \"$@\" >> \"" + realShutdownAttempts() + "\"\nexit 1\n", 0755);
         std::vector<std::string> covered;
-        for (const char* dir : {"/sbin", "/usr/sbin", "/bin", "/usr/bin", "/usr/local/sbin",
-                                "/usr/local/bin"}) {
+        for (const char* dir :
+             {"/sbin", "/usr/sbin", "/bin", "/usr/bin", "/usr/local/sbin", "/usr/local/bin"}) {
             for (const char* name : {"shutdown", "poweroff", "reboot", "halt"}) {
                 char resolved[PATH_MAX];
                 const std::string path = std::string(dir) + "/" + name;
@@ -258,6 +238,15 @@ private:
     std::string m_root;
     std::string m_error;
 };
+
+// The exit status of a wait status; 128 + the signal for a process that a
+// signal ended, and -1 for one that did not end.
+inline int exitCode(int status) {
+    if (status == -1) {
+        return -1;
+    }
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
 
 // One event of a scenario: at `at` seconds after the connection.
 struct Event {
@@ -326,12 +315,14 @@ public:
                 throw std::runtime_error("cannot make " + folder + ": " + std::strerror(errno));
             }
         }
-        for (const char* file : {"shutsvc", "libnimb.so", "libtessary.so"}) {
-            copy(std::string(SHUTSVC_SUITE_DIR) + "/" + file, m_dir + file);
+        const std::string suiteDir = SHUTSVC_SUITE_DIR, pluginDir = SHUTSVC_PLUGIN_DIR;
+        for (const std::string& from :
+             {suiteDir + "/shutsvc", suiteDir + "/libnimb.so", suiteDir + "/libtessary.so",
+              pluginDir + "/sim/client.so", pluginDir + "/ini/config.so"}) {
+            std::filesystem::copy_file(from,
+                                       m_dir + std::filesystem::path(from).filename().string(),
+                                       std::filesystem::copy_options::overwrite_existing);
         }
-        copy(std::string(SHUTSVC_PLUGIN_DIR) + "/sim/client.so", m_dir + "client.so");
-        copy(std::string(SHUTSVC_PLUGIN_DIR) + "/ini/config.so", m_dir + "config.so");
-        chmod((m_dir + "shutsvc").c_str(), 0755);
         logLevel("TRACE");
         writeFile(m_dir + "bin/shutdown",
                   "#!/bin/sh\necho \"$(date +%s%N) $*\" >> \"" + shutdownCalls() + "\"\n", 0755);
@@ -348,8 +339,8 @@ public:
     void logLevel(const std::string& level) {
         writeFile(m_dir + "client.conf",
                   "[shutsvc]\nweb.host=localhost\nweb.port=4470\n\n"
-                  "[debug]\nmonitclient.filename=monitclient.log\nmonitclient.level=" + level +
-                      "\nshutsvc.filename=shutsvc.log\nshutsvc.level=" + level + "\n");
+                  "[debug]\nmonitclient.filename=monitclient.log\nmonitclient.level=" +
+                      level + "\nshutsvc.filename=shutsvc.log\nshutsvc.level=" + level + "\n");
     }
     std::string log() const { return readFile(m_dir + "log/shutsvc.log"); }
     std::string shutdownCalls() const { return m_dir + "shutdown.calls"; }
@@ -367,9 +358,8 @@ public:
     // Appends an event `delay` seconds from now (counted from the launch of
     // the last daemon, which connects right after it starts).
     void eventNow(const std::string& device, const std::string& event, double delay = 0) {
-        const double elapsed = std::chrono::duration<double>(
-                                   std::chrono::steady_clock::now() - m_launched)
-                                   .count();
+        const double elapsed =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - m_launched).count();
         m_timeline.push_back({elapsed + delay, device, event});
         writeScenario();
     }
@@ -380,32 +370,23 @@ public:
     pid_t launch(const std::vector<std::string>& args = {"--nodaemon"}, bool forkless = false) {
         m_launched = std::chrono::steady_clock::now();
         const std::string exe = m_dir + "shutsvc";
-        std::vector<std::string> env;
-        for (char** e = environ; *e != nullptr; ++e) {
-            if (std::strncmp(*e, "PATH=", 5) != 0 && std::strncmp(*e, "HOME=", 5) != 0) {
-                env.emplace_back(*e);
-            }
-        }
-        // No sbin folder on the daemon's PATH: its shutdown is the recorder.
-        env.push_back("PATH=" + m_dir + "bin:/usr/bin:/bin");
-        env.push_back("HOME=" + m_dir);
         std::vector<char*> argv{const_cast<char*>(exe.c_str())};
         for (const std::string& a : args) {
             argv.push_back(const_cast<char*>(a.c_str()));
         }
         argv.push_back(nullptr);
-        std::vector<char*> envp;
-        for (std::string& e : env) {
-            envp.push_back(e.data());
-        }
-        envp.push_back(nullptr);
+        // No sbin folder on the daemon's PATH: its shutdown is the recorder.
+        const std::string path = m_dir + "bin:/usr/bin:/bin";
         const std::string errPath = m_dir + "stderr.txt";
+        // The test process has no other thread, so the child may still allocate.
         const pid_t pid = fork();
         if (pid == 0) {
             const int err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
             dup2(err, 1);
             dup2(err, 2);
             chdir("/");
+            setenv("PATH", path.c_str(), 1);
+            setenv("HOME", m_dir.c_str(), 1);
             if (forkless) {
                 const rlimit none{0, 0};
                 const uid_t nobody = 65534;
@@ -416,7 +397,7 @@ public:
             }
             // Set after any change of user, which would clear it.
             prctl(PR_SET_PDEATHSIG, SIGKILL);
-            execve(exe.c_str(), argv.data(), envp.data());
+            execv(exe.c_str(), argv.data());
             _exit(127);
         }
         m_pids.push_back(pid);
@@ -427,8 +408,8 @@ public:
     // was still running after the time limit.
     int wait(pid_t pid, int timeoutMs = 20000) {
         int status = -1;
-        const bool ended = waitFor(
-            [&] { return waitpid(pid, &status, WNOHANG) == pid; }, timeoutMs);
+        const bool ended =
+            waitFor([&] { return waitpid(pid, &status, WNOHANG) == pid; }, timeoutMs);
         return ended ? status : -1;
     }
 
@@ -437,11 +418,15 @@ public:
     // wait status; {-1, -1} when none ended within the time limit.
     std::pair<pid_t, int> waitAny(int timeoutMs = 20000) {
         std::pair<pid_t, int> ended{-1, -1};
-        waitFor([&] { return (ended.first = waitpid(-1, &ended.second, WNOHANG)) > 0; },
-                timeoutMs);
+        waitFor([&] { return (ended.first = waitpid(-1, &ended.second, WNOHANG)) > 0; }, timeoutMs);
         return ended.first > 0 ? ended : std::make_pair(pid_t(-1), -1);
     }
 
+    // The number of ticks that examined the devices so far.
+    int ticks() const { return countOf(log(), "ShutService: <onTimer> status: {"); }
+    bool ticksReach(int count, int timeoutMs) const {
+        return waitFor([&] { return ticks() >= count; }, timeoutMs);
+    }
     bool logHas(const std::string& text, int timeoutMs) const {
         return waitFor([&] { return log().find(text) != std::string::npos; }, timeoutMs);
     }
@@ -469,12 +454,6 @@ public:
     }
 
 private:
-    static void copy(const std::string& from, const std::string& to) {
-        std::ifstream in(from, std::ios::binary);
-        std::ofstream out(to, std::ios::binary | std::ios::trunc);
-        out << in.rdbuf();
-    }
-
     void writeScenario() {
         // Written beside and renamed, so that the plug-in never reads half a file.
         writeFile(m_dir + "simulator.json.new", scenarioJson(m_devices, m_timeline, m_journal));
