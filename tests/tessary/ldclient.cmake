@@ -1,18 +1,16 @@
-# Client plug-ins for the binding's tests: the simulated monitor, and builds
-# of a faulty plug-in (every entry point fails; openCli gives null; entry
-# points missing or null).
+# Client plug-ins for the binding's tests: the simulated monitor, and two
+# builds of a faulty plug-in (openCli gives null; entry points missing or
+# null).
 if(TARGET tessary_ldclient_test)
   set(faulty_dir "${CMAKE_CURRENT_BINARY_DIR}/fixtures/faultyclient")
-  foreach(variant failing nullhandle gaps)
+  foreach(variant nullhandle gaps)
     add_library(faultyclient_${variant} MODULE "${CMAKE_CURRENT_SOURCE_DIR}/fixtures/faultyclient/client.cpp")
     target_link_libraries(faultyclient_${variant} PRIVATE tessary)
     set_target_properties(faultyclient_${variant} PROPERTIES
       PREFIX "" OUTPUT_NAME "${variant}" LIBRARY_OUTPUT_DIRECTORY "${faulty_dir}")
     add_dependencies(tessary_ldclient_test faultyclient_${variant})
   endforeach()
-  target_compile_definitions(faultyclient_failing PRIVATE FAULTY_RESULT=-1)
-  target_compile_definitions(faultyclient_nullhandle PRIVATE FAULTY_RESULT=0 FAULTY_NULL_HANDLE)
-  target_compile_definitions(faultyclient_gaps PRIVATE FAULTY_RESULT=0 FAULTY_GAPS)
+  target_compile_definitions(faultyclient_nullhandle PRIVATE FAULTY_NULL_HANDLE)
   target_compile_definitions(tessary_ldclient_test PRIVATE FAULTY_CLIENT_DIR="${faulty_dir}/")
   if(TARGET sim_client)
     add_dependencies(tessary_ldclient_test sim_client)

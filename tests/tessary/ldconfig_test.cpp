@@ -3,18 +3,24 @@
 #include <dlfcn.h>
 
 #include <functional>
+#include <string>
+#include <utility>
 
+#include <gtest/gtest.h>
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
+
+#include "tests/support.h"
 
 using tessary::LibConfig;
 
 namespace {
 
+const std::string NOT_LOADED = "-305 Library libconfig not loaded.";
+
 // Runs body and returns "<code> <message>" of the nimb exception it throws.
-std::string failure(const std::function<void()>& body)
-{
+std::string failure(const std::function<void()>& body) {
     try {
         body();
     } catch (const nimb::Exception& e) {
@@ -23,42 +29,39 @@ std::string failure(const std::function<void()>& body)
     return "no exception";
 }
 
-// The fake plug-in's own controls, reached through the handle LibConfig holds.
-struct FakeControls {
-    const char* (*calls)();
-    void (*reset)(const char*);
+// A variable of the fake plug-in that LibConfig holds: its record of calls
+// (fakeCalls) or its switch that makes every entry point fail (fakeFailing).
+template <typename T>
+T& fake(const char* name) {
+    void* handle = dlopen(FAKE_CONFIG, RTLD_NOW | RTLD_NOLOAD);
+    dlclose(handle);
+    return *static_cast<T*>(dlsym(handle, name));
+}
 
-    explicit FakeControls(const char* path)
-    {
-        void* handle = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
-        calls = reinterpret_cast<const char* (*)()>(dlsym(handle, "fakeConfigCalls"));
-        reset = reinterpret_cast<void (*)(const char*)>(dlsym(handle, "fakeConfigReset"));
-        dlclose(handle);
-    }
-};
-
-TEST(LibConfigTest, NothingLoaded)
-{
+TEST(LibConfigTest, LoadFailuresAndNothingLoaded) {
     LibConfig config;
     tessary::ClientConfig client;
-    EXPECT_FALSE(config.isLoaded());
-    EXPECT_EQ("-305 Library libconfig not loaded.", failure([&] { config.openClientConfig(); }));
-    EXPECT_EQ("-305 Library libconfig not loaded.", failure([&] { config.getClientConfig(client); }));
+    EXPECT_EQ(NOT_LOADED, failure([&] { config.openClientConfig(); }));
+    EXPECT_EQ(NOT_LOADED, failure([&] { config.getClientConfig(client); }));
     EXPECT_EQ("no exception", failure([&] { config.closeClientConfig(); }));
     EXPECT_EQ("-202 Empty library filename.", failure([&] { config.load(""); }));
     EXPECT_EQ("-202 Empty library filename.", failure([&] { config.load(nullptr); }));
     EXPECT_EQ(nimb::ERR_LIBRARY_LOAD, std::stoi(failure([&] { config.load("/nonexistent/x"); })));
+
+    // A plug-in without getClientConfig loads; the entry point fails when called.
+    config.load(PARTIAL_CONFIG);
+    config.openClientConfig();
+    EXPECT_EQ(nimb::ERR_LIBRARY_LOAD, std::stoi(failure([&] { config.getClientConfig(client); })));
 }
 
-TEST(LibConfigTest, CallsInOrderWithTheStoredHandle)
-{
+TEST(LibConfigTest, CallsInOrderWithTheStoredHandle) {
     LibConfig config;
     config.load(FAKE_CONFIG);
-    FakeControls fake(FAKE_CONFIG);
-    fake.reset("");
+    std::string& calls = fake<std::string>("fakeCalls");
+    calls.clear();
 
     tessary::MonitConfig monit;
-    EXPECT_EQ("-305 Library libconfig not loaded.", failure([&] { config.getMonitConfig(monit); }));
+    EXPECT_EQ(NOT_LOADED, failure([&] { config.getMonitConfig(monit); }));  // not open
     config.openMonitConfig();
     config.getMonitConfig(monit);
     config.openDevicesConfig();
@@ -72,126 +75,76 @@ TEST(LibConfigTest, CallsInOrderWithTheStoredHandle)
     tessary::ClientConfig client;
     config.getClientConfig(client);
     EXPECT_EQ(1234u, client.shutSvc.webPort);
-    config.closeClientConfig();
-    EXPECT_STREQ("openMonitConfig;getMonitConfig;openDevicesConfig;getDeviceConfig;"
-                 "closeDevicesConfig;openClientConfig;getClientConfig;closeClientConfig;",
-                 fake.calls());
+    EXPECT_EQ(calls,
+              "openMonitConfig;getMonitConfig;openDevicesConfig;getDeviceConfig;"
+              "closeDevicesConfig;openClientConfig;getClientConfig;");
 
-    // Only the monitor configuration is still open; an extra reference keeps
-    // the plug-in mapped so that its record can be read after unload().
+    // unload() closes all three in order; an extra reference keeps the
+    // plug-in mapped so that its record can be read afterwards.
+    config.openDevicesConfig();
     void* keep = dlopen(FAKE_CONFIG, RTLD_NOW);
-    fake.reset("");
+    calls.clear();
     config.unload();
     EXPECT_FALSE(config.isLoaded());
-    EXPECT_STREQ("closeMonitConfig;", fake.calls());
+    EXPECT_EQ(calls, "closeDevicesConfig;closeMonitConfig;closeClientConfig;");
     dlclose(keep);
     EXPECT_EQ(nullptr, dlopen(FAKE_CONFIG, RTLD_NOW | RTLD_NOLOAD));
 }
 
-TEST(LibConfigTest, EveryFailingEntryPointThrowsItsMessage)
-{
-    struct Row {
-        const char* entry;
-        std::function<void(LibConfig&)> call;
-        const char* message;
-    };
+TEST(LibConfigTest, EveryFailingEntryPointThrowsItsMessage) {
+    LibConfig config;
+    config.load(FAKE_CONFIG);
+    config.openDevicesConfig();
+    config.openMonitConfig();
+    config.openClientConfig();
+    fake<bool>("fakeFailing") = true;
     tessary::DetectionConfig detection;
     tessary::DeviceConfig device;
     tessary::MonitConfig monit;
     tessary::ClientConfig client;
-    const Row rows[] = {
-        {"openDevicesConfig", [](LibConfig& c) { c.openDevicesConfig(); }, "Error opening devices config."},
-        {"openMonitConfig", [](LibConfig& c) { c.openMonitConfig(); }, "Error opening monit config."},
-        {"openClientConfig", [](LibConfig& c) { c.openClientConfig(); }, "Error opening client config."},
-        {"getDetectionConfig", [&](LibConfig& c) { c.openDevicesConfig(); c.getDetectionConfig(detection); },
-         "Error getting detection config."},
-        {"getDeviceConfig", [&](LibConfig& c) { c.openDevicesConfig(); c.getDeviceConfig(device, 1, 2); },
-         "Error getting device config."},
-        {"getMonitConfig", [&](LibConfig& c) { c.openMonitConfig(); c.getMonitConfig(monit); },
-         "Error getting monit config."},
-        {"getClientConfig", [&](LibConfig& c) { c.openClientConfig(); c.getClientConfig(client); },
-         "Error getting client config."},
+    const std::pair<std::function<void()>, std::string> rows[] = {
+        {[&] { config.getDetectionConfig(detection); }, "Error getting detection config."},
+        {[&] { config.getDeviceConfig(device, 1, 2); }, "Error getting device config."},
+        {[&] { config.getMonitConfig(monit); }, "Error getting monit config."},
+        {[&] { config.getClientConfig(client); }, "Error getting client config."},
+        {[&] { config.openDevicesConfig(); }, "Error opening devices config."},
+        {[&] { config.openMonitConfig(); }, "Error opening monit config."},
+        {[&] { config.openClientConfig(); }, "Error opening client config."},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.entry);
-        LibConfig config;
-        config.load(FAKE_CONFIG);
-        FakeControls(FAKE_CONFIG).reset(row.entry);
-        EXPECT_EQ(std::string("-305 ") + row.message, failure([&] { row.call(config); }));
-    }
+    for (const auto& [call, message] : rows)
+        EXPECT_EQ("-305 " + message, failure(call));
+    // The null handle of a failed open is kept: the configuration is closed.
+    EXPECT_EQ(NOT_LOADED, failure([&] { config.getMonitConfig(monit); }));
 }
 
-TEST(LibConfigTest, MissingEntryPointIsALoadFailure)
-{
+// The suite's own plug-in, copied into a temporary suite folder, reads the
+// files there and keeps the defaults for what is missing or bad.
+TEST(IniConfigTest, ReadsTheSuiteFolder) {
+    QTemporaryDir dir;
+    const auto path = [&](const char* name) { return dir.filePath(name).toStdString(); };
+    ASSERT_TRUE(QFile::copy(INI_CONFIG, dir.filePath("config.so")));
     LibConfig config;
-    config.load(PARTIAL_CONFIG);
+    config.load(path("config"));  // the binding adds ".so"
     config.openClientConfig();
     tessary::ClientConfig client;
-    EXPECT_EQ(nimb::ERR_LIBRARY_LOAD, std::stoi(failure([&] { config.getClientConfig(client); })));
-    config.closeClientConfig();
-}
+    client.shutSvc.webHost = "stale";
+    config.getClientConfig(client);
+    EXPECT_EQ(tessary::ClientConfig().toString(), client.toString());  // no file yet
 
-// The suite's own plug-in, copied into a temporary suite folder.
-class IniConfigTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(m_dir.isValid());
-        ASSERT_TRUE(QFile::copy(INI_CONFIG, m_dir.filePath("config.so")));
-    }
+    support::writeFile(
+        path("client.conf"),
+        "[shutsvc]\nweb.host=nodeb\nweb.port=abc\n[cloudsvc]\nmessage.interval=9000\n"
+        "[mqtt]\nbrokerPort=8883\n[debug]\nshutsvc.level=debug\nmonitclient.level=LOUD\n");
+    config.getClientConfig(client);
+    EXPECT_EQ("shutsvc: {web.host=nodeb,web.port=4470}", client.shutSvc.toString());
+    EXPECT_EQ(9000u, client.cloudSvc.messageInterval);
+    EXPECT_EQ(8883u, client.cloudSvc.mqtt.brokerPort);
+    EXPECT_EQ(nimb::DEBUG, client.logger.shutSvcLevel);
+    EXPECT_EQ(nimb::FATAL, client.logger.monitClientLevel);
 
-    void write(const QString& name, const QByteArray& text)
-    {
-        QFile file(m_dir.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
-    }
-
-    tessary::ClientConfig client()
-    {
-        LibConfig config;
-        // Without the extension: the binding adds ".so".
-        config.load(m_dir.filePath("config").toStdString());
-        config.openClientConfig();
-        tessary::ClientConfig result;
-        result.shutSvc.webHost = "stale";
-        config.getClientConfig(result);
-        return result;
-    }
-
-    QTemporaryDir m_dir;
-};
-
-TEST_F(IniConfigTest, MissingFileGivesDefaults)
-{
-    EXPECT_EQ(tessary::ClientConfig().toString(), client().toString());
-}
-
-TEST_F(IniConfigTest, ReadsGroupsAndKeysAndKeepsDefaultsForBadValues)
-{
-    write("client.conf", "[shutsvc]\nweb.host=nodeb\nweb.port=abc\n"
-                         "[cloudsvc]\nmessage.interval=9000\n"
-                         "[mqtt]\nenable=0\nbrokerPort=8883\n"
-                         "[debug]\nshutsvc.filename=s.log\nshutsvc.level=debug\nmonitclient.level=LOUD\n");
-    const tessary::ClientConfig config = client();
-    EXPECT_EQ("shutsvc: {web.host=nodeb,web.port=4470}", config.shutSvc.toString());
-    EXPECT_EQ(9000u, config.cloudSvc.messageInterval);
-    EXPECT_FALSE(config.cloudSvc.mqtt.enable);
-    EXPECT_EQ(8883u, config.cloudSvc.mqtt.brokerPort);
-    EXPECT_EQ("s.log", config.logger.shutSvcFilename);
-    EXPECT_EQ(nimb::DEBUG, config.logger.shutSvcLevel);
-    EXPECT_EQ(nimb::FATAL, config.logger.monitClientLevel);
-}
-
-TEST_F(IniConfigTest, MonitorAndDeviceFiles)
-{
-    write("monit.conf", "[monit]\nrs232.enable=0\n[web]\ntcp.port=5000\n[debug]\nserialhid.level=INFO\n");
-    ASSERT_TRUE(QDir(m_dir.path()).mkdir("devices"));
-    write("devices/2-7.json", "{\"family\":2,\"model\":7,\"name\":\"Box\",\"caps\":{\"hasVInput\":1}}");
-    write("devices/detection.json", "{\"usbEnable\":1,\"usb\":[{\"vendorId\":1,\"productId\":2}],"
-                                    "\"serialEnable\":0,\"serial\":[\"ttyS0\"],\"baudRate\":9600}");
-    LibConfig config;
-    config.load(m_dir.filePath("config.so").toStdString());
+    support::writeFile(
+        path("monit.conf"),
+        "[monit]\nrs232.enable=0\n[web]\ntcp.port=5000\n[debug]\nserialhid.level=INFO\n");
     config.openMonitConfig();
     tessary::MonitConfig monit;
     config.getMonitConfig(monit);
@@ -199,17 +152,25 @@ TEST_F(IniConfigTest, MonitorAndDeviceFiles)
     EXPECT_EQ(5000, monit.server.tcpPort);
     EXPECT_EQ(nimb::INFO, monit.logger.serialHidLevel);
 
+    ASSERT_TRUE(QDir(dir.path()).mkdir("devices"));
+    support::writeFile(path("devices/2-7.json"),
+                       R"({"family":2,"model":7,"name":"Box","caps":{"hasVInput":1}})");
+    support::writeFile(path("devices/detection.json"),
+                       R"({"usbEnable":1,"usb":[{"vendorId":1,"productId":2}],)"
+                       R"("serialEnable":0,"serial":["ttyS0"],"baudRate":9600})");
     config.openDevicesConfig();
     tessary::DeviceConfig device;
     config.getDeviceConfig(device, 2, 7);
     EXPECT_EQ("Box", device.name);
     EXPECT_TRUE(device.caps.hasVInput);
-    EXPECT_EQ("-305 Error getting device config.", failure([&] { config.getDeviceConfig(device, 2, 8); }));
+    EXPECT_EQ("-305 Error getting device config.",
+              failure([&] { config.getDeviceConfig(device, 2, 8); }));
     tessary::DetectionConfig detection;
     config.getDetectionConfig(detection);
-    EXPECT_EQ("detection: {usb.enable=1,usb=[{vendorId=1,productId=2}],serial.enable=0,"
-              "serial=[ttyS0],serial.baudrate=9600}",
-              detection.toString());
+    EXPECT_EQ(
+        "detection: {usb.enable=1,usb=[{vendorId=1,productId=2}],serial.enable=0,"
+        "serial=[ttyS0],serial.baudrate=9600}",
+        detection.toString());
 }
 
 }  // namespace
