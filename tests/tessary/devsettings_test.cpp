@@ -1,6 +1,6 @@
 #include <string>
-#include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "nimb/json.h"
@@ -112,11 +112,8 @@ TEST(DeviceShutCfgTest, LenientReadingTruncatesAndWrapsTo32Bits) {
     };
     const Row rows[] = {
         {"{\"enabled\": true}", 0, 1},  // a missing counter reads 0, not its default
-        {"{\"counterManual\": 2.9, \"enabled\": 0}", 2, 0},
-        {"{\"counterManual\": -1, \"enabled\": 2}", 4294967295u, 1},
-        {"{\"counterManual\": 5000000000, \"enabled\": \"true\"}", 705032704u, 1},
-        {"{\"counterManual\": \"7\", \"enabled\": \"yes\"}", 7, 0},
-        {"{\"counterManual\": [1], \"enabled\": {}}", 0, 0},
+        {"{\"counterManual\": -1.9, \"enabled\": 2}", 4294967295u, 1},
+        {"{\"counterManual\": 5000000000, \"enabled\": \"yes\"}", 705032704u, 0},
         {"{\"counterManual\": 1e300, \"enabled\": \"1\"}", 4294967295u, 1},
     };
     for (const Row& row : rows) {
@@ -183,10 +180,8 @@ TEST(DeviceMailCfgTest, OnlyValidMembersAreWritten) {
               "{\"auth\":0,\"cc\":\"c1@x\",\"enable\":1,\"from\":\"" + from +
                   "\",\"port\":65535,\"secure\":1,\"test\":0,\"to1\":\"1@x\",\"to3\":\"3@x\","
                   "\"to4\":\"4@x\",\"to5\":\"5@x\"}");
-    const DeviceMailCfg back = fromText<DeviceMailCfg>(compact(mail.toJson()));
-    EXPECT_EQ(back.to, (std::vector<std::string>{"1@x", "3@x", "4@x", "5@x"}));
-    EXPECT_EQ(back.cc, std::vector<std::string>{"c1@x"});
-    EXPECT_TRUE(back.bcc.empty());
+    EXPECT_THAT(fromText<DeviceMailCfg>(compact(mail.toJson())).toString(),
+                ::testing::EndsWith(",to: {1@x,3@x,4@x,5@x}, cc: {c1@x}, }"));
 }
 
 TEST(DeviceMailCfgTest, TextFormMasksThePasswordAndListsOnlyPresentRecipients) {
