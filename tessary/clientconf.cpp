@@ -63,8 +63,8 @@ nimb::JsonObject NotifySvcConfig::toJson() const {
 
 NotifySvcConfig& NotifySvcConfig::fromJson(const nimb::JsonObject& json) {
     webHost = json.value("webHost").toString();
-    webPort = static_cast<uint32_t>(json.value("webPort").toDouble());
-    messageInterval = static_cast<uint64_t>(json.value("messageInterval").toDouble());
+    webPort = nimb::truncatedNumber<uint32_t>(json.value("webPort").toDouble());
+    messageInterval = nimb::truncatedNumber<uint64_t>(json.value("messageInterval").toDouble());
     return *this;
 }
 
@@ -196,9 +196,9 @@ nimb::JsonObject NotifyConfig::toJson() const {
 // The id is written but never read back: it identifies the writer's record.
 NotifyConfig& NotifyConfig::fromJson(const nimb::JsonObject& json) {
     clear();
-    option = static_cast<uint32_t>(json.value("option").toDouble());
-    valPercent = static_cast<uint32_t>(json.value("valPercent").toDouble());
-    valSecond = static_cast<uint32_t>(json.value("valSecond").toDouble() * 60000.0);
+    option = nimb::truncatedNumber<uint32_t>(json.value("option").toDouble());
+    valPercent = nimb::truncatedNumber<uint32_t>(json.value("valPercent").toDouble());
+    valSecond = nimb::truncatedNumber<uint32_t>(json.value("valSecond").toDouble() * 60000.0);
     return *this;
 }
 

@@ -48,14 +48,14 @@ void DetectionConfig::fromJson(const nimb::JsonObject& json)
     const nimb::JsonArray usbJson = json.value("usb").toArray();
     for (int i = 0; i < usbJson.size(); ++i) {
         const nimb::JsonObject id = usbJson.at(i).toObject();
-        usb.push_back({static_cast<uint32_t>(id.value("vendorId").toDouble()),
-                       static_cast<uint32_t>(id.value("productId").toDouble())});
+        usb.push_back({nimb::truncatedNumber<uint32_t>(id.value("vendorId").toDouble()),
+                       nimb::truncatedNumber<uint32_t>(id.value("productId").toDouble())});
     }
     serialEnable = json.value("serialEnable").toBool();
     const nimb::JsonArray serialJson = json.value("serial").toArray();
     for (int i = 0; i < serialJson.size(); ++i)
         serial.push_back(serialJson.at(i).toString());
-    baudRate = static_cast<uint32_t>(json.value("baudRate").toDouble());
+    baudRate = nimb::truncatedNumber<uint32_t>(json.value("baudRate").toDouble());
 }
 
 }  // namespace tessary

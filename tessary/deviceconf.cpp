@@ -155,8 +155,8 @@ nimb::JsonObject DeviceConfig::toJson() const
 void DeviceConfig::fromJson(const nimb::JsonObject& json)
 {
     clear();
-    family = static_cast<int32_t>(json.value("family").toDouble());
-    model = static_cast<int32_t>(json.value("model").toDouble());
+    family = nimb::truncatedNumber<int32_t>(json.value("family").toDouble());
+    model = nimb::truncatedNumber<int32_t>(json.value("model").toDouble());
     name = json.value("name").toString();
     caps.fromJson(json.value("caps").toObject());
 }

@@ -63,6 +63,10 @@ TEST(NotifyConfigTest, SecondsTravelAsMinutes) {
         nimb::JsonObject{{"id", 7}, {"option", 3}, {"valPercent", 40}, {"valSecond", 2.5}});
     EXPECT_EQ("notifyConfig: {id=1,option=3,value.Ref.Percent=40,value.Ref.Seconds=150000}",
               config.toString());
+    // Numbers beyond an unsigned field read as its nearest end, never wrapped.
+    config.fromJson(nimb::JsonObject{{"option", -1}, {"valPercent", 1e12}, {"valSecond", -1}});
+    EXPECT_EQ("notifyConfig: {id=1,option=0,value.Ref.Percent=4294967295,value.Ref.Seconds=0}",
+              config.toString());
 }
 
 }  // namespace
