@@ -33,7 +33,7 @@ protected:
                 std::cerr << "---- daemon log\n"
                           << suite->log() << "---- daemon stderr\n"
                           << suite->stderrText() << "---- journal (tail)\n"
-                          << tail(suite->journal(), 40);
+                          << tail(suite->journal(), 4000);
             }
         }
         EXPECT_FALSE(exists(Isolation::instance().realShutdownAttempts()))
@@ -41,15 +41,8 @@ protected:
             << readFile(Isolation::instance().realShutdownAttempts());
     }
 
-    static std::string tail(const std::string& text, int lines) {
-        size_t at = text.size();
-        while (lines-- > 0 && at > 0) {
-            at = text.rfind('\n', at - 1);
-            if (at == std::string::npos) {
-                return text;
-            }
-        }
-        return text.substr(at);
+    static std::string tail(const std::string& text, size_t size) {
+        return text.size() > size ? text.substr(text.size() - size) : text;
     }
 
     std::unique_ptr<Suite> suite;

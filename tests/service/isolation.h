@@ -41,8 +41,7 @@ using support::readFile;
 using support::writeFile;
 
 inline bool exists(const std::string& path) {
-    struct stat st;
-    return lstat(path.c_str(), &st) == 0;
+    return std::filesystem::exists(path);
 }
 
 inline int countOf(const std::string& text, const std::string& what) {
@@ -99,12 +98,11 @@ public:
     }
     void writablePowerState() { umount2("/sys/power/state", MNT_DETACH); }
 
-    // Replaces /bin/sh for "sh -c 'shutdown now&'" by a shell that fails with
-    // the given exit code while `failing` is true; every other command line
-    // runs in the real shell.
-    bool failingShutdownShell() {
-        const std::string realShell = m_root + "/real-sh";
-        const std::string wrapper = m_root + "/failing-sh";
+    // Covers /bin/sh with a shell under which the first "sh -c 'shutdown
+    // now&'" fails with exit status 3; every other command line runs in the
+    // real shell.
+    bool shutdownShellFailsOnce() {
+        const std::string realShell = m_root + "/real-sh", wrapper = m_root + "/failing-sh";
         writeFile(realShell, "", 0755);
         char resolved[PATH_MAX];
         if (realpath("/bin/sh", resolved) == nullptr ||
@@ -112,21 +110,11 @@ public:
             return false;
         }
         writeFile(wrapper,
-                  "#!/bin/bash\n"
-                  "if [ \"$1\" = \"-c\" ] && [ \"$2\" = \"shutdown now&\" ] && [ -e \"" +
-                      m_root +
-                      "/shell-fails\" ]; then exit 3; fi\n"
-                      "exec \"" +
-                      realShell + "\" \"$@\"\n",
+                  "#!/bin/bash\nif [ \"$1\" = -c ] && [ \"$2\" = \"shutdown now&\" ] && mkdir \"" +
+                      m_root + "/shell-failed\" 2>/dev/null; then exit 3; fi\nexec \"" + realShell +
+                      "\" \"$@\"\n",
                   0755);
         return mount(wrapper.c_str(), resolved, nullptr, MS_BIND, nullptr) == 0;
-    }
-    void setShellFails(bool failing) {
-        if (failing) {
-            writeFile(m_root + "/shell-fails", "");
-        } else {
-            unlink((m_root + "/shell-fails").c_str());
-        }
     }
 
 private:
