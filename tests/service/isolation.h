@@ -16,7 +16,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -24,6 +23,7 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -154,10 +154,9 @@ private:
     // A folder of links to every entry of the real /etc, plus our own
     // tessary.conf, mounted over /etc.
     bool coverEtc() {
-        const std::string real = m_root + "/etc-real";
-        const std::string farm = m_root + "/etc";
-        mkdir(real.c_str(), 0755);
-        mkdir(farm.c_str(), 0755);
+        const std::string real = m_root + "/etc-real", farm = m_root + "/etc";
+        std::filesystem::create_directories(real);
+        std::filesystem::create_directories(farm);
         if (!bind("/etc", real)) {
             return false;
         }
@@ -180,19 +179,18 @@ private:
     }
 
     bool coverPower() {
-        mkdir((m_root + "/power").c_str(), 0755);
+        std::filesystem::create_directories(m_root + "/power");
         writeFile(powerState(), "freeze mem\n");
         if (exists("/sys/power")) {
             return bind(m_root + "/power", "/sys/power");
         }
         // Without a power folder the whole of /sys is covered by one that has it.
-        mkdir((m_root + "/sys").c_str(), 0755);
-        mkdir((m_root + "/sys/power").c_str(), 0755);
+        std::filesystem::create_directories(m_root + "/sys/power");
         return bind(m_root + "/sys", "/sys") && bind(m_root + "/power", "/sys/power");
     }
 
     bool coverLock() {
-        mkdir((m_root + "/lock").c_str(), 0755);
+        std::filesystem::create_directories(m_root + "/lock");
         return bind(m_root + "/lock", "/var/lock");
     }
 
@@ -202,22 +200,17 @@ private:
         const std::string recorder = m_root + "/refuse-shutdown";
         writeFile(recorder,
                   "#!/bin/sh\necho \"$@\" >> \"" + realShutdownAttempts() + "\"\nexit 1\n", 0755);
-        std::vector<std::string> covered;
+        std::set<std::string> covered;
         for (const char* dir :
              {"/sbin", "/usr/sbin", "/bin", "/usr/bin", "/usr/local/sbin", "/usr/local/bin"}) {
             for (const char* name : {"shutdown", "poweroff", "reboot", "halt"}) {
                 char resolved[PATH_MAX];
                 const std::string path = std::string(dir) + "/" + name;
-                if (realpath(path.c_str(), resolved) == nullptr) {
-                    continue;
-                }
-                if (std::find(covered.begin(), covered.end(), resolved) != covered.end()) {
-                    continue;
-                }
-                if (!bind(recorder, resolved)) {
+                // Each real file once, however many links lead to it.
+                if (realpath(path.c_str(), resolved) != nullptr &&
+                    covered.insert(resolved).second && !bind(recorder, resolved)) {
                     return false;
                 }
-                covered.push_back(resolved);
             }
         }
         return true;
@@ -266,27 +259,20 @@ inline SimDevice simDevice(const std::string& id, const std::string& program = "
 inline std::string scenarioJson(const std::vector<SimDevice>& devices,
                                 const std::vector<Event>& timeline,
                                 const std::string& journal = "calls.log") {
-    nimb::JsonArray deviceArray;
+    nimb::JsonArray deviceArray, events;
     for (const SimDevice& sim : devices) {
-        nimb::JsonObject entry;
-        entry.insert("device", nimb::JsonValue(sim.device.toJson()));
-        entry.insert("shutCfg", nimb::JsonValue(sim.shutCfg.toJson()));
-        deviceArray.append(nimb::JsonValue(entry));
+        deviceArray.append(
+            nimb::JsonObject{{"device", sim.device.toJson()}, {"shutCfg", sim.shutCfg.toJson()}});
     }
-    nimb::JsonArray events;
     for (const Event& e : timeline) {
-        nimb::JsonObject entry;
-        entry.insert("at", nimb::JsonValue(e.at));
+        nimb::JsonObject entry{{"at", e.at}, {"event", e.event}};
         if (!e.device.empty()) {
             entry.insert("device", nimb::JsonValue(e.device));
         }
-        entry.insert("event", nimb::JsonValue(e.event));
-        events.append(nimb::JsonValue(entry));
+        events.append(entry);
     }
-    nimb::JsonObject scenario;
-    scenario.insert("journal", nimb::JsonValue(journal));
-    scenario.insert("devices", nimb::JsonValue(deviceArray));
-    scenario.insert("timeline", nimb::JsonValue(events));
+    const nimb::JsonObject scenario{
+        {"journal", journal}, {"devices", deviceArray}, {"timeline", events}};
     return nimb::JsonDocument(scenario).toJson(true);
 }
 
@@ -298,11 +284,7 @@ public:
     explicit Suite(const std::string& name) {
         Isolation& iso = Isolation::instance();
         m_dir = iso.root() + "/" + name + "/";
-        for (const std::string& folder : {m_dir, m_dir + "bin"}) {
-            if (mkdir(folder.c_str(), 0755) != 0 && errno != EEXIST) {
-                throw std::runtime_error("cannot make " + folder + ": " + std::strerror(errno));
-            }
-        }
+        std::filesystem::create_directories(m_dir + "bin");
         const std::string suiteDir = SHUTSVC_SUITE_DIR, pluginDir = SHUTSVC_PLUGIN_DIR;
         for (const std::string& from :
              {suiteDir + "/shutsvc", suiteDir + "/libnimb.so", suiteDir + "/libtessary.so",
