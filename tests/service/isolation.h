@@ -404,8 +404,6 @@ public:
         return waitFor([&] { return shutdownCount() > 0; }, timeoutMs);
     }
 
-    void terminate(pid_t pid) { kill(pid, SIGTERM); }
-
     // Every process this suite started, and every daemon that holds its lock,
     // is killed and reaped.
     void killAll() {
