@@ -102,37 +102,27 @@ const Call CALLS[] = {
 };
 // clang-format on
 
-TEST(LibClientFailureTest, NothingIsCalledWithoutLibraryOrClientHandle) {
-    LibClient unloaded;
+TEST(LibClientFailureTest, LoadFailuresNullHandleAndMissingOrNullEntryPoints) {
+    LibClient client;      // nothing loaded yet
     LibClient nullHandle;  // its plug-in has no other entry point than openCli
     nullHandle.load(FAULTY_CLIENT_DIR "nullhandle.so");
-    for (LibClient* client : {&unloaded, &nullHandle}) {
+    for (LibClient* tried : {&client, &nullHandle}) {
         for (const auto& [journal, run] : CALLS)
-            EXPECT_EQ(failure([&] { run(*client); }), NOT_LOADED) << journal;
-        EXPECT_FALSE(client->isConnected());
-        EXPECT_EQ(client->logger("monitclient"), nullptr);
-        EXPECT_EQ(failure([&] { client->unload(); }), "none");
+            EXPECT_EQ(failure([&] { run(*tried); }), NOT_LOADED) << journal;
+        EXPECT_FALSE(tried->isConnected());
+        EXPECT_EQ(tried->logger("monitclient"), nullptr);
+        EXPECT_EQ(failure([&] { tried->unload(); }), "none");
     }
-    EXPECT_EQ(unloaded.openClient(), nullptr);
-}
-
-TEST(LibClientFailureTest, LoadFailuresAndMissingOrNullEntryPoints) {
-    LibClient client;
+    EXPECT_EQ(client.openClient(), nullptr);
     EXPECT_EQ(failure([&] { client.load(static_cast<const char*>(nullptr)); }),
               "Invalid Argument -202 Empty library filename.");
     EXPECT_EQ(failure([&] { client.load(""); }), "Invalid Argument -202 Empty library filename.");
-    EXPECT_EQ(failure([&] { client.load(FAULTY_CLIENT_DIR "absent"); }).substr(0, 27),
-              "Loading Library error -306 ");
 
-    // A name with any extension is opened as it stands.
-    QTemporaryDir dir;
-    ASSERT_TRUE(QFile::copy(FAULTY_CLIENT_DIR "gaps.so", dir.filePath("gaps.so.1")));
-    client.load(dir.filePath("gaps.so.1").toStdString());
+    client.load(FAULTY_CLIENT_DIR "gaps.so");
     const std::string missing =
         "Loading Library error -306 Can't find symbol name \"getHostCount\": ";
     EXPECT_EQ(failure([&] { client.hostList(); }).substr(0, missing.size()), missing);
     EXPECT_THROW(client.version("h", "c"), std::bad_function_call);
-    EXPECT_EQ(failure([&] { client.devices(); }), "none");
     EXPECT_FALSE(client.isConnected());  // missing: not connected
 }
 
@@ -158,23 +148,22 @@ protected:
 };
 
 TEST_F(LibClientSimTest, EveryOperationReachesItsEntryPointAndTurnsAFailureIntoItsMessage) {
-    write(scenario(simDevice("U")));
+    load(scenario(simDevice("U")));  // not connected: every entry point fails
     std::string journal = "openCli\n";
-    {
-        LibClient unconnected;  // every entry point fails
-        unconnected.load(path("client"));
-        for (const auto& [line, run] : CALLS) {
-            const std::string entry = line.substr(0, line.find(' '));
-            EXPECT_EQ(failure([&] { run(unconnected); }),
-                      executing(entry == "disconnectCli" ? "disconnect" : entry));
-            journal += line + "\n";
-        }
-    }  // the destructor unloads: the disconnect fails, the client is closed all the same
+    for (const auto& [line, run] : CALLS) {
+        const std::string entry = line.substr(0, line.find(' '));
+        EXPECT_EQ(failure([&] { run(client); }),
+                  executing(entry == "disconnectCli" ? "disconnect" : entry));
+        journal += line + "\n";
+    }
+    // The disconnect fails; the client and the library are closed all the same.
+    client.unload();
+    EXPECT_FALSE(client.isLoaded());
     EXPECT_EQ(support::readFile(path("calls.log")), journal + "disconnectCli (null)\ncloseCli\n");
 }
 
 TEST_F(LibClientSimTest, AnswersLikeAMonitorServer) {
-    load(scenario(simDevice("UPS1", 7) + "," + simDevice("UPS2", 30, 40)));
+    load(scenario(simDevice("UPS1") + "," + simDevice("UPS2", 30, 40)));
     client.connect(Url("monitor.lan:4470"));
     EXPECT_TRUE(client.isConnected("monitor.lan"));
     EXPECT_FALSE(client.isConnected("elsewhere"));
@@ -182,11 +171,9 @@ TEST_F(LibClientSimTest, AnswersLikeAMonitorServer) {
     EXPECT_EQ(client.version().monVersion, "2.1");
     EXPECT_EQ(client.countDevices(), (std::vector<std::string>{"UPS1", "UPS2"}));
     EXPECT_EQ(client.devices().at("UPS2").name, "Sim UPS2");
-    EXPECT_EQ(failure([&] { client.device("UPS9"); }), executing("getDevice"));
 
     // A setter stores the caller's record; the getter gives it back.
     DeviceShutCfg shut = client.devShutdownConfig("UPS1");
-    EXPECT_EQ(shut.counterOpBattery, 7u);
     shut.cliRun = "/bin/true";
     client.updDevShutdownConfig("UPS1", &shut);
     EXPECT_EQ(client.devShutdownConfig("UPS1").cliRun, "/bin/true");
@@ -208,9 +195,6 @@ TEST_F(LibClientSimTest, AnswersLikeAMonitorServer) {
     EXPECT_EQ(client.logger("monitclient"), nimb::Logger::getLogger("monitclient"));
     EXPECT_EQ(client.logger("other"), nullptr);
     EXPECT_EQ(client.logger(nullptr), nullptr);
-
-    client.unload();
-    EXPECT_FALSE(client.isLoaded());
 }
 
 TEST_F(LibClientSimTest, MainsFailureCountdownRunsOutAfterTheConfiguredSeconds) {
