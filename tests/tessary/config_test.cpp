@@ -32,8 +32,10 @@ TEST(TesConfigTest, TextAndJsonForms) {
         EXPECT_EQ(TesConfig(config).fromJson(support::parsed(json)).toString(), expected) << json;
 }
 
-// Another file stands in for "/etc/tessary.conf", which the daemon's
-// end-to-end tests write and read in their private mount namespace.
+// Another file stands in for the system's one, which only the daemon's
+// end-to-end tests write, in their private mount namespace. There the
+// configured path and the executable's folder are the same, so the name of
+// the system file is checked here.
 TEST(SuitePathTest, ConfiguredPathWinsElseExecutableFolder) {
     QTemporaryDir dir;
     char exeDir[PATH_MAX];
@@ -53,6 +55,7 @@ TEST(SuitePathTest, ConfiguredPathWinsElseExecutableFolder) {
         EXPECT_EQ(TesConfig::getTessaryPath(), expected) << (conf ? conf : "no file");
     }
     tessary::testing::setSuiteConfigFile("");
+    EXPECT_EQ(tessary::testing::suiteConfigFile(), "/etc/tessary.conf");
 }
 
 TEST(UserPathTest, FolderInHome) {
