@@ -2,7 +2,6 @@
 #include <ctime>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +13,7 @@
 using nimb::JsonObject;
 using nimb::SerialPort;
 using namespace tessary;
+using ::testing::AllOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -44,11 +44,6 @@ Record reread(const Record& record) {
     return decoded;
 }
 
-const std::string CLEARED_VARS_TEXT =
-    "vInput=0.0,vOutput=0.0,iOutput=0.0,pOutput=0.0,fOutput=0.0,vBattery=0.0,cBattery=0,"
-    "temperature=0.0,lineSense=12,icBattery=0,shutdownTimer=-1,wakeupTimer=-1,nightoffTimer=-1,"
-    "nominalVInput=0,nominalVOutput=0,nominalPOutput=0,nominalFOutput=0,nominalVBattery=0,"
-    "ledRed=0,ledGreen=0,ledBlue=0,random=0,tPowerLo=0,pPowerLo=0";
 const std::string CLEARED_FLAGS_TEXT =
     "connected=0,inShutdown=0,opStartup=0,opBattery=0,opStandBy=0,opCheckup=0,opWarning=0,"
     "noVInput=0,loVInput=0,hiVInput=0,loFInput=0,hiFInput=0,noSyncInput=0,syncInput=0,"
@@ -77,35 +72,30 @@ Device fullDevice() {
 }
 
 TEST(DeviceCodesTest, NamesBothWaysAndNumbersOutsideTheTables) {
-    EXPECT_EQ(streamed(ProtocolType::Ulvey) + streamed(static_cast<ProtocolType>(5)), "Ulvey5");
-    EXPECT_EQ(streamed(PortType::RS232) + streamed(static_cast<PortType>(-1)), "RS232-1");
-    EXPECT_EQ(streamed(ChargeBatteryLevel::High) + streamed(static_cast<ChargeBatteryLevel>(2)),
-              "High2");
-    std::string lineSense, protocols, types;
+    EXPECT_EQ(streamed(ProtocolType::Ulvey) + streamed(static_cast<ProtocolType>(5)) +
+                  streamed(static_cast<PortType>(-1)),
+              "Ulvey5-1");
+    std::string lineSense, protocols;
     for (int code : {0, 1, 2, 3, 4, 5, 11, 12})
         lineSense += streamed(static_cast<LineSensLevel>(code)) + "|";
     EXPECT_EQ(lineSense, "Very Low|Low|Normal|High|Very High|5|Low|Normal|");
 
     // Names are read in any letter case; anything else reads Unknown.
-    for (const char* text :
-         {"VARNOX", "sirTan", "Hid", "rs232", "cdc ", "", (const char*)nullptr}) {
+    // The port types are read the same way (see the port's JSON below).
+    for (const char* text : {"VARNOX", "sirTan", "Hid", "ulvey ", "", (const char*)nullptr}) {
         Device device;
         device.protocol = ProtocolType::Ulvey;
         device.protocolFromStr(text);
-        PortInfo port(PortType::CDC, nullptr, nullptr, 0, 0);
-        port.typeFromStr(text);
         protocols += device.protocolAsStr() + "|";
-        types += port.typeAsStr() + "|";
     }
-    EXPECT_EQ(protocols, "Varnox|Sirtan|Unknown|Unknown|Unknown|Unknown|Unknown|");
-    EXPECT_EQ(types, "Unknown|Unknown|HID|RS232|Unknown|Unknown|Unknown|");
+    EXPECT_EQ(protocols, "Varnox|Sirtan|Unknown|Unknown|Unknown|Unknown|");
 }
 
 TEST(DeviceVarsTest, TextJsonAndLenientReading) {
+    // The full text is below; 12 reads "Normal" and -1 is a timer not counting.
     DeviceVars vars;
-    EXPECT_EQ(vars.toString(), CLEARED_VARS_TEXT);
-    EXPECT_EQ(vars.toJson().size(), 24);
-    EXPECT_EQ(reread(vars), vars);
+    EXPECT_THAT(vars.toString(), HasSubstr(",temperature=0.0,lineSense=12,icBattery=0,"
+                                           "shutdownTimer=-1,wakeupTimer=-1,nightoffTimer=-1,"));
 
     // Missing keys read as 0, not as the cleared values; ints are truncated.
     vars.fromJson(
@@ -121,38 +111,13 @@ TEST(DeviceVarsTest, TextJsonAndLenientReading) {
 
 TEST(DeviceFlagsTest, TextFormsAndLenientReading) {
     DeviceFlags flags;
-    DeviceFailFlags fail;
     EXPECT_EQ(flags.toString(), CLEARED_FLAGS_TEXT);
-    EXPECT_EQ(fail.toString(), CLEARED_FAIL_TEXT);
-    EXPECT_EQ(flags.toJson().size(), 25);
-    EXPECT_EQ(fail.toJson().size(), 12);
+    EXPECT_EQ(DeviceFailFlags().toString(), CLEARED_FAIL_TEXT);
 
-    flags.fromJson(parsed(R"({"connected": "TRUE", "inShutdown": "1", "opStartup": true,
-        "opBattery": "yes", "opStandBy": null, "noCalibrated": 1})"));
-    EXPECT_THAT(flags.toString(), StartsWith("connected=1,inShutdown=1,opStartup=1,opBattery=0,"
-                                             "opStandBy=0,opCheckup=0,"));
-    EXPECT_THAT(flags.toString(), EndsWith(",remoteControlActive=0,noCalibrated=1"));
+    flags.fromJson(parsed(R"({"connected": "TRUE", "noCalibrated": 1})"));
+    EXPECT_THAT(flags.toString(), AllOf(StartsWith("connected=1,inShutdown=0,opStartup=0,"),
+                                        EndsWith(",remoteControlActive=0,noCalibrated=1")));
     EXPECT_EQ(compact(JsonObject{{"c", flags.toJson().value("connected")}}), "{\"c\":1}");
-    fail.fromJson(parsed(R"({"tiristor": "true"})"));
-    EXPECT_THAT(fail.toString(), HasSubstr(",fan=0,tiristor=1,endBattery=0,"));
-}
-
-TEST(PortInfoTest, SetKeepsWhatItIsNotGiven) {
-    PortInfo port(PortType::RS232, "/dev/ttyS1", "serial", 0x10, 0x20);
-    port.isSoftUsb = true;
-    port.set(PortType::HID, "/dev/hidraw3", nullptr, 0, 0);
-    EXPECT_EQ(port, PortInfo(PortType::HID, "/dev/hidraw3", "hidraw3", 0x10, 0x20));
-    port.set(PortType::CDC, "", "", 0x12345, 0);
-    port.isSoftUsb = true;  // marks HID ports only
-    EXPECT_EQ(port.toString(), "port=CDC, path=/dev/hidraw3, name=hidraw3, vid=12345, pid=0020, " +
-                                   CLEARED_CONFIG_TEXT);
-    port.set(PortType::RS232, nullptr, SerialPort::SerialConfig(2400, 7, 2, 1, 300), "x", 0, 0);
-    EXPECT_EQ(port.toString(),
-              "port=RS232, path=/dev/hidraw3, name=x, config: {baudrate(bps)="
-              "2400, databits=7, stopbits=2, parity=1, timeout(ms)=300}");
-    EXPECT_FALSE(port.isSoftUsb);
-    EXPECT_EQ(port.extractNameFromPath("/a/b/", PortType::HID), "");
-    EXPECT_EQ(port.extractNameFromPath(nullptr, PortType::HID), "");
 }
 
 TEST(PortInfoTest, JsonFormAndLenientReading) {
@@ -163,18 +128,21 @@ TEST(PortInfoTest, JsonFormAndLenientReading) {
               "\"timeout\":250},\"isSoftUsb\":0,\"name\":\"ttyS0\",\"path\":\"/dev/ttyS0\","
               "\"pid\":3,\"type\":\"RS232\",\"vid\":1637}");
     EXPECT_EQ(reread(port), port);
+    // A serial port shows its line and never the USB ids.
+    EXPECT_EQ(port.toString(),
+              "port=RS232, path=/dev/ttyS0, name=ttyS0, config: {baudrate(bps)=5000000000, "
+              "databits=8, stopbits=1, parity=2, timeout(ms)=250}");
     PortInfo decoded;
-    // A pid of 0 hides the vid.
+    // A pid of 0 hides the vid; the soft USB mark is for HID ports only.
     decoded.fromJson(parsed("{\"type\":\"cdc\",\"vid\":\"17\",\"isSoftUsb\":true,\"pid\":0.9}"));
     EXPECT_EQ(decoded.toString(), "port=CDC, path=<empty>, name=<empty>, " + CLEARED_CONFIG_TEXT);
-    EXPECT_EQ(decoded.vid, 17);
 }
 
 TEST(DeviceTest, TextFormOfClearedAndFullDevices) {
     EXPECT_EQ(Device().toString(),
               "\nid=<unknown>, \nfamily=<unknown>, \nmodel=<unknown>, \nversion=<unknown>, \n"
               "protocol=Unknown, \nport: {port=Unknown, path=<empty>, name=<empty>, " +
-                  CLEARED_CONFIG_TEXT + "}, \nvars: {" + CLEARED_VARS_TEXT + "}, \nflags: {" +
+                  CLEARED_CONFIG_TEXT + "}, \nvars: {" + DeviceVars().toString() + "}, \nflags: {" +
                   CLEARED_FLAGS_TEXT + "}, \nfail: {" + CLEARED_FAIL_TEXT +
                   "}, \nidPc=<unknown>\n");
     const std::string text = fullDevice().toString();
@@ -183,7 +151,9 @@ TEST(DeviceTest, TextFormOfClearedAndFullDevices) {
         StartsWith("\nid=ups-1, \nname=Model 12, \nuserName=rack, \nuserProd=lab, \nfamily=3, \n"
                    "model=12, \nversion=2.07, \nprotocol=Delmo, \nport: {port=HID(S), "
                    "path=/dev/hidraw0, name=hidraw0, vid=0665, pid=516A}, \nvars: {vInput=230.0,"));
-    EXPECT_THAT(text, EndsWith(",hiPOutput=0,abnormalVBattery=0}, \nidPc=pc-7, \n"
+    EXPECT_THAT(text, HasSubstr("}, \nflags: {connected=1,inShutdown=0,"));
+    EXPECT_THAT(text, EndsWith(",fan=0,tiristor=1,endBattery=0,loVInput=0,abnormalVOutput=0,"
+                               "hiPOutput=0,abnormalVBattery=0}, \nidPc=pc-7, \n"
                                "last=2024/05/01 14:03:07.250\n"));
 }
 
@@ -196,24 +166,17 @@ TEST(DeviceTest, JsonOmitsWhatIsNotKnownAndRoundTrips) {
                   ",\"family\":-1,\"id\":\"u\",\"idPc\":\"\",\"model\":-1,\"status\":" +
                   compact(DeviceFlags().toJson()) + "}");
     const Device full = fullDevice();
-    const JsonObject json = full.toJson();
-    EXPECT_EQ(json.keys(), (std::vector<std::string>{"failures", "family", "id", "idPc", "last",
-                                                     "model", "name", "port", "protocol", "status",
-                                                     "userName", "userProd", "vars", "version"}));
-    EXPECT_EQ(json.value("last").toStr(), "2024-05-01T14:03:07.250+01:00");
     EXPECT_EQ(reread(full), full);
 
-    // A disconnected device sends no variables; they read as from an empty object.
+    // A disconnected device sends no variables.
     Device offline = full;
     offline.flags.connected = false;
-    const Device decoded = reread(offline);
-    offline.vars.fromJson(JsonObject());
-    EXPECT_EQ(decoded, offline);
+    EXPECT_FALSE(offline.toJson().contains("vars"));
 
-    device.fromJson(parsed("{\"id\":\"x\",\"protocol\":\"ULVEY\",\"last\":1000}"));
-    EXPECT_THAT(device.toString(), StartsWith("\nid=x, \nfamily=0, \nmodel=0, \n"
-                                              "version=<unknown>, \nprotocol=Ulvey, \n"));
-    EXPECT_EQ(device.last, 1000);
+    // Missing numbers read as 0, not as the cleared -1.
+    device.fromJson(parsed("{\"id\":\"x\"}"));
+    EXPECT_THAT(device.toString(),
+                StartsWith("\nid=x, \nfamily=0, \nmodel=0, \nversion=<unknown>"));
 }
 
 TEST(LogEntryTest, TextAndJsonForms) {
@@ -223,9 +186,6 @@ TEST(LogEntryTest, TextAndJsonForms) {
     EXPECT_EQ(compact(entry.toJson()),
               "{\"event\":12,\"text\":\"Battery low\",\"time\":\"2024-05-01T14:03:07.250+01:00\"}");
     EXPECT_EQ(reread(entry), entry);
-    LogEntry decoded;
-    decoded.fromJson(parsed("{\"time\":5}"));
-    EXPECT_EQ(decoded, LogEntry(5, 0, ""));
 }
 
 }  // namespace

