@@ -285,12 +285,17 @@ public:
         Isolation& iso = Isolation::instance();
         m_dir = iso.root() + "/" + name + "/";
         std::filesystem::create_directories(m_dir + "bin");
+        std::filesystem::create_directories(m_dir + "daemon");
+        // The daemon lives apart from the suite directory, so that it finds
+        // its plug-ins only through /etc/tessary.conf.
         const std::string suiteDir = SHUTSVC_SUITE_DIR, pluginDir = SHUTSVC_PLUGIN_DIR;
-        for (const std::string& from :
-             {suiteDir + "/shutsvc", suiteDir + "/libnimb.so", suiteDir + "/libtessary.so",
-              pluginDir + "/sim/client.so", pluginDir + "/ini/config.so"}) {
-            std::filesystem::copy_file(from,
-                                       m_dir + std::filesystem::path(from).filename().string(),
+        for (const auto& [from, to] : std::vector<std::pair<std::string, std::string>>{
+                 {suiteDir + "/shutsvc", "daemon/shutsvc"},
+                 {suiteDir + "/libnimb.so", "daemon/libnimb.so"},
+                 {suiteDir + "/libtessary.so", "daemon/libtessary.so"},
+                 {pluginDir + "/sim/client.so", "client.so"},
+                 {pluginDir + "/ini/config.so", "config.so"}}) {
+            std::filesystem::copy_file(from, m_dir + to,
                                        std::filesystem::copy_options::overwrite_existing);
         }
         logLevel("TRACE");
@@ -339,7 +344,7 @@ public:
     // process, so that its every fork fails.
     pid_t launch(const std::vector<std::string>& args = {"--nodaemon"}, bool forkless = false) {
         m_launched = std::chrono::steady_clock::now();
-        const std::string exe = m_dir + "shutsvc";
+        const std::string exe = m_dir + "daemon/shutsvc";
         std::vector<char*> argv{const_cast<char*>(exe.c_str())};
         for (const std::string& a : args) {
             argv.push_back(const_cast<char*>(a.c_str()));
