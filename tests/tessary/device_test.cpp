@@ -13,7 +13,6 @@
 using nimb::JsonObject;
 using nimb::SerialPort;
 using namespace tessary;
-using ::testing::AllOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -29,19 +28,17 @@ const bool ZONE_FIXED = (setenv("TZ", "CET-1", 1), tzset(), true);
 // 2024-05-01 13:03:07.250 UTC.
 const long long MAY_FIRST_MS = 1714568587250LL;
 
-template <typename T>
-std::string streamed(T value) {
-    std::ostringstream out;
-    out << value;
-    return out.str();
+template <typename Record>
+Record fromText(const std::string& text) {
+    Record record;
+    record.fromJson(parsed(text));
+    return record;
 }
 
 // The record as the receiver of its JSON text reads it.
 template <typename Record>
 Record reread(const Record& record) {
-    Record decoded;
-    decoded.fromJson(parsed(compact(record.toJson())));
-    return decoded;
+    return fromText<Record>(compact(record.toJson()));
 }
 
 const std::string CLEARED_FLAGS_TEXT =
@@ -56,29 +53,22 @@ const std::string CLEARED_CONFIG_TEXT =
     "config: {baudrate(bps)=0, databits=0, stopbits=0, parity=0, timeout(ms)=0}";
 
 // A connected device on a soft USB HID port with every block filled in; "last"
-// is local time.
+// is local time. Flags are read leniently, like the variables.
 const char* const FULL_DEVICE_JSON = R"({"id": "ups-1", "family": 3, "model": 12,
     "version": "2.07", "idPc": "pc-7", "protocol": "Delmo", "name": "Model 12",
     "userName": "rack", "userProd": "lab", "last": "2024-05-01T14:03:07.250",
     "port": {"type": "HID", "path": "/dev/hidraw0", "name": "hidraw0", "vid": 1637,
              "pid": 20842, "isSoftUsb": 1},
     "vars": {"vInput": 229.96, "lineSense": 1, "random": 1, "pPowerLo": -7},
-    "status": {"connected": 1, "noCalibrated": 1}, "failures": {"tiristor": 1}})";
-
-Device fullDevice() {
-    Device device;
-    device.fromJson(parsed(FULL_DEVICE_JSON));
-    return device;
-}
+    "status": {"connected": "TRUE", "noCalibrated": 1}, "failures": {"tiristor": 1}})";
 
 TEST(DeviceCodesTest, NamesBothWaysAndNumbersOutsideTheTables) {
-    EXPECT_EQ(streamed(ProtocolType::Ulvey) + streamed(static_cast<ProtocolType>(5)) +
-                  streamed(static_cast<PortType>(-1)),
-              "Ulvey5-1");
-    std::string lineSense, protocols;
+    std::ostringstream streamed;
+    streamed << ProtocolType::Ulvey << static_cast<ProtocolType>(5) << static_cast<PortType>(-1);
     for (int code : {0, 1, 2, 3, 4, 5, 11, 12})
-        lineSense += streamed(static_cast<LineSensLevel>(code)) + "|";
-    EXPECT_EQ(lineSense, "Very Low|Low|Normal|High|Very High|5|Low|Normal|");
+        streamed << "|" << static_cast<LineSensLevel>(code);
+    EXPECT_EQ(streamed.str(), "Ulvey5-1|Very Low|Low|Normal|High|Very High|5|Low|Normal");
+    std::string protocols;
 
     // Names are read in any letter case; anything else reads Unknown.
     // The port types are read the same way (see the port's JSON below).
@@ -109,17 +99,6 @@ TEST(DeviceVarsTest, TextJsonAndLenientReading) {
               "ledBlue=0,random=1,tPowerLo=-3,pPowerLo=0");
 }
 
-TEST(DeviceFlagsTest, TextFormsAndLenientReading) {
-    DeviceFlags flags;
-    EXPECT_EQ(flags.toString(), CLEARED_FLAGS_TEXT);
-    EXPECT_EQ(DeviceFailFlags().toString(), CLEARED_FAIL_TEXT);
-
-    flags.fromJson(parsed(R"({"connected": "TRUE", "noCalibrated": 1})"));
-    EXPECT_THAT(flags.toString(), AllOf(StartsWith("connected=1,inShutdown=0,opStartup=0,"),
-                                        EndsWith(",remoteControlActive=0,noCalibrated=1")));
-    EXPECT_EQ(compact(JsonObject{{"c", flags.toJson().value("connected")}}), "{\"c\":1}");
-}
-
 TEST(PortInfoTest, JsonFormAndLenientReading) {
     const PortInfo port(PortType::RS232, "/dev/ttyS0",
                         SerialPort::SerialConfig(5000000000L, 8, 1, 2, 250), nullptr, 0x665, 3);
@@ -132,32 +111,33 @@ TEST(PortInfoTest, JsonFormAndLenientReading) {
     EXPECT_EQ(port.toString(),
               "port=RS232, path=/dev/ttyS0, name=ttyS0, config: {baudrate(bps)=5000000000, "
               "databits=8, stopbits=1, parity=2, timeout(ms)=250}");
-    PortInfo decoded;
     // A pid of 0 hides the vid; the soft USB mark is for HID ports only.
-    decoded.fromJson(parsed("{\"type\":\"cdc\",\"vid\":\"17\",\"isSoftUsb\":true,\"pid\":0.9}"));
-    EXPECT_EQ(decoded.toString(), "port=CDC, path=<empty>, name=<empty>, " + CLEARED_CONFIG_TEXT);
+    EXPECT_EQ(fromText<PortInfo>("{\"type\":\"cdc\",\"vid\":\"17\",\"isSoftUsb\":true,\"pid\":0.9}")
+                  .toString(),
+              "port=CDC, path=<empty>, name=<empty>, " + CLEARED_CONFIG_TEXT);
 }
 
-TEST(DeviceTest, TextFormOfClearedAndFullDevices) {
+TEST(DeviceTest, TextAndJsonFormsOfClearedAndFullDevices) {
     EXPECT_EQ(Device().toString(),
               "\nid=<unknown>, \nfamily=<unknown>, \nmodel=<unknown>, \nversion=<unknown>, \n"
               "protocol=Unknown, \nport: {port=Unknown, path=<empty>, name=<empty>, " +
                   CLEARED_CONFIG_TEXT + "}, \nvars: {" + DeviceVars().toString() + "}, \nflags: {" +
                   CLEARED_FLAGS_TEXT + "}, \nfail: {" + CLEARED_FAIL_TEXT +
                   "}, \nidPc=<unknown>\n");
-    const std::string text = fullDevice().toString();
+    const Device full = fromText<Device>(FULL_DEVICE_JSON);
+    const std::string text = full.toString();
     EXPECT_THAT(
         text,
         StartsWith("\nid=ups-1, \nname=Model 12, \nuserName=rack, \nuserProd=lab, \nfamily=3, \n"
                    "model=12, \nversion=2.07, \nprotocol=Delmo, \nport: {port=HID(S), "
                    "path=/dev/hidraw0, name=hidraw0, vid=0665, pid=516A}, \nvars: {vInput=230.0,"));
     EXPECT_THAT(text, HasSubstr("}, \nflags: {connected=1,inShutdown=0,"));
+    EXPECT_THAT(text, HasSubstr(",remoteControlActive=0,noCalibrated=1}, \nfail: {overtemp=0,"));
     EXPECT_THAT(text, EndsWith(",fan=0,tiristor=1,endBattery=0,loVInput=0,abnormalVOutput=0,"
                                "hiPOutput=0,abnormalVBattery=0}, \nidPc=pc-7, \n"
                                "last=2024/05/01 14:03:07.250\n"));
-}
 
-TEST(DeviceTest, JsonOmitsWhatIsNotKnownAndRoundTrips) {
+    // JSON omits what is not known.
     Device device;
     EXPECT_EQ(compact(device.toJson()), "{}");
     device.id = "u";
@@ -165,8 +145,8 @@ TEST(DeviceTest, JsonOmitsWhatIsNotKnownAndRoundTrips) {
               "{\"failures\":" + compact(DeviceFailFlags().toJson()) +
                   ",\"family\":-1,\"id\":\"u\",\"idPc\":\"\",\"model\":-1,\"status\":" +
                   compact(DeviceFlags().toJson()) + "}");
-    const Device full = fullDevice();
     EXPECT_EQ(reread(full), full);
+    EXPECT_EQ(compact(JsonObject{{"c", full.flags.toJson().value("connected")}}), "{\"c\":1}");
 
     // A disconnected device sends no variables.
     Device offline = full;
@@ -174,8 +154,7 @@ TEST(DeviceTest, JsonOmitsWhatIsNotKnownAndRoundTrips) {
     EXPECT_FALSE(offline.toJson().contains("vars"));
 
     // Missing numbers read as 0, not as the cleared -1.
-    device.fromJson(parsed("{\"id\":\"x\"}"));
-    EXPECT_THAT(device.toString(),
+    EXPECT_THAT(fromText<Device>("{\"id\":\"x\"}").toString(),
                 StartsWith("\nid=x, \nfamily=0, \nmodel=0, \nversion=<unknown>"));
 }
 
