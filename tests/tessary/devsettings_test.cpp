@@ -69,11 +69,12 @@ using SettingsRecords =
     ::testing::Types<DeviceShutCfg, DeviceEventApp, DeviceSchedule, DeviceDialCfg, DeviceMailCfg>;
 TYPED_TEST_SUITE(SettingsRecordTest, SettingsRecords);
 
-// A field forgotten in clear(), a copy, toJson() or fromJson() shows here.
+// A field forgotten in clear(), a copy, toJson() or fromJson() shows here;
+// the exchange keys are the ones the monitor server sends.
 TYPED_TEST(SettingsRecordTest, ClearCopyAndJsonRoundTripCoverEveryField) {
     const TypeParam record = filled<TypeParam>();
     ASSERT_NE(record, TypeParam());
-    EXPECT_EQ(fromText<TypeParam>(compact(record.toJson())), record) << compact(record.toJson());
+    EXPECT_EQ(record.toJson(), parsed(FILLED<TypeParam>)) << compact(record.toJson());
 
     TypeParam assigned = record;
     assigned.clear();
@@ -124,14 +125,12 @@ TEST(DeviceEventAppTest, TextFormsListTheSlotsInOrder) {
               "dateEvent4=4000,idEvent4=4,dateEvent5=5000,idEvent5=5,dateEvent6=6000,idEvent6=6,"
               "dateEvent7=7000,idEvent7=7,dateEvent8=8000,idEvent8=8,dateEvent9=9000,idEvent9=9,"
               "dateEvent10=10000,idEvent10=4294967295");
-    EXPECT_EQ(events.toJson(), parsed(FILLED<DeviceEventApp>));
     EXPECT_EQ(events.toStringJson(), FILLED<DeviceEventApp>);
     events.id.clear();
     EXPECT_EQ(events.toStringJson(), "{" + EVENT_SLOTS);
 }
 
-TEST(DeviceScheduleTest, ExchangeKeysAreLowerCaseAndTheListPositionStaysBehind) {
-    EXPECT_EQ(filled<DeviceSchedule>().toJson(), parsed(FILLED<DeviceSchedule>));
+TEST(DeviceScheduleTest, TheListPositionStaysBehind) {
     DeviceSchedule schedule = filled<DeviceSchedule>();
     schedule.idList = 3;
     schedule.status = 4;
@@ -143,12 +142,11 @@ TEST(DeviceScheduleTest, ExchangeKeysAreLowerCaseAndTheListPositionStaysBehind) 
               "hourOff=22, \nminOff=45, \nutcOff=2, \nallWeekDay=1, \nallMonth=1}\n");
 }
 
-TEST(DeviceDialCfgTest, TextAndJsonForms) {
+TEST(DeviceDialCfgTest, TextForm) {
     EXPECT_EQ(filled<DeviceDialCfg>().toString(),
               "id=UPS1, \ntrigger=2, \ntriggerTmr=30, \noutputTmr=5, \n"
               "phone1=+34 600 000 001, \nphone2=, \nphone3=112, \nphone4=, \nphone5=, \n"
               "phone6=, \nphone7=, \nphone8=0");
-    EXPECT_EQ(filled<DeviceDialCfg>().toJson(), parsed(FILLED<DeviceDialCfg>));
 }
 
 TEST(DeviceMailCfgTest, OnlyValidMembersAreWrittenAndThePasswordIsMasked) {
