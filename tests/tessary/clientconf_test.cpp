@@ -41,11 +41,9 @@ TEST(NotifySvcConfigTest, JsonRoundTripAndMissingKeys) {
     config.messageInterval = 5000000000ULL;
     EXPECT_EQ("{\"messageInterval\":5000000000,\"webHost\":\"box\",\"webPort\":4470}",
               compact(config.toJson()));
-    NotifySvcConfig back;
-    back.fromJson(config.toJson());
-    EXPECT_EQ(config.toString(), back.toString());
-    back.fromJson(nimb::JsonObject());
-    EXPECT_EQ("notifysvc: {web.host=,web.port=0,message.interval=0}", back.toString());
+    EXPECT_EQ(config.toString(), NotifySvcConfig().fromJson(config.toJson()).toString());
+    EXPECT_EQ("notifysvc: {web.host=,web.port=0,message.interval=0}",
+              NotifySvcConfig().fromJson(nimb::JsonObject()).toString());
 }
 
 // valSecond is kept in milliseconds and travels in whole minutes; the id is
