@@ -27,8 +27,7 @@ TEST(FileTest, PathHelpers) {
         {"c:\\suite\\x.so", "c:\\suite\\", "x.so", "so"},
         {"C:file", "C/", "file", ""},
         {"/a.d/b;noext", "/a.d/b/", "noext", ""},
-        {nullptr, "", "", ""},
-    };
+        {nullptr, "", "", ""}};
     for (const auto& [path, dir, name, ext] : parts) {
         SCOPED_TRACE(path ? path : "null");
         EXPECT_EQ(File::extractFilePath(path), dir);
@@ -40,8 +39,7 @@ TEST(FileTest, PathHelpers) {
         {"/opt/x", "/opt/x/", "/opt/x"},
         {"/opt/x//", "/opt/x//", "/opt/x/"},
         {"c:\\x\\", "c:\\x\\/", "c:\\x"},
-        {nullptr, "/", ""},
-    };
+        {nullptr, "/", ""}};
     for (const auto& [path, with, without] : ends) {
         EXPECT_EQ(File::includePathDelimiter(path), with);
         EXPECT_EQ(File::excludePathDelimiter(path), without);
@@ -49,23 +47,14 @@ TEST(FileTest, PathHelpers) {
     EXPECT_EQ(File::includePathDelimiter("/opt/", '\\'), "/opt/\\");
 }
 
-// Works in a temporary folder and puts the current directory back afterwards.
-class FileSystemTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_dir.isValid());
-        m_root = QDir(m_dir.path()).canonicalPath().toStdString();
-        m_saved = QDir::currentPath();
-    }
-    void TearDown() override { ASSERT_TRUE(QDir::setCurrent(m_saved)); }
-    std::string path(const std::string& name) const { return m_root + "/" + name; }
-
-    QTemporaryDir m_dir;
-    std::string m_root;
-    QString m_saved;
-};
-
-TEST_F(FileSystemTest, CurrentDirectoryAndFileExists) {
+// In a temporary folder; the current directory is put back before the
+// checks of fileExists().
+TEST(FileSystemTest, CurrentDirectoryAndFileExists) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const std::string root = QDir(dir.path()).canonicalPath().toStdString();
+    const auto path = [&root](const std::string& name) { return root + "/" + name; };
+    const QString saved = QDir::currentPath();
     ASSERT_EQ(mkdir(path("sub dir").c_str(), 0755), 0);
     File::setCurDir(path("sub dir"));
     EXPECT_EQ(File::getCurDir(), path("sub dir") + "/");
@@ -79,20 +68,19 @@ TEST_F(FileSystemTest, CurrentDirectoryAndFileExists) {
     expectFailure<nimb::SystemException>(
         [] { File::getCurDir(); }, "Error getting current directory: No such file or directory",
         -305);
+    ASSERT_TRUE(QDir::setCurrent(saved));
 
     std::ofstream(path("file")) << "x";
     ASSERT_EQ(mkdir(path("dir").c_str(), 0755), 0);
     ASSERT_EQ(symlink(path("missing").c_str(), path("dangling").c_str()), 0);
     ASSERT_EQ(symlink(path("loop").c_str(), path("loop").c_str()), 0);
-    const std::pair<std::string, bool> rows[] = {{path("file"), true},
-                                                 {path("dir"), false},
-                                                 {path("dangling"), false},
-                                                 {path("file/x"), false}};
+    const std::pair<const char*, bool> rows[] = {
+        {"file", true}, {"dir", false}, {"dangling", false}, {"file/x", false}};
     for (const auto& [name, exists] : rows)
-        EXPECT_EQ(File::fileExists(name), exists) << name;
+        EXPECT_EQ(File::fileExists(path(name)), exists) << name;
     EXPECT_FALSE(File::fileExists(static_cast<const char*>(nullptr)));
     expectFailure<nimb::SystemException>(
-        [this] { File::fileExists(path("loop")); },
+        [&path] { File::fileExists(path("loop")); },
         "Error checking if file \"" + path("loop") + "\" exists: Too many levels of symbolic links",
         -305);
 }

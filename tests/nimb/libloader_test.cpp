@@ -44,8 +44,8 @@ TEST(LibLoaderTest, LoadsResolvesAndCloses) {
     EXPECT_EQ(loader.toStr(), "Lib: <unloaded>");
 }
 
-// The loader's own reason for failing to open name, or to find symbol in it.
-std::string loaderError(const std::string& name, const char* symbol = nullptr) {
+// The dynamic loader's own reason for failing to open name, or to find symbol in it.
+std::string dlReason(const std::string& name, const char* symbol = nullptr) {
     void* handle = dlopen(name.c_str(), RTLD_NOW);
     if (symbol)
         dlsym(handle, symbol);
@@ -58,9 +58,7 @@ std::string loaderError(const std::string& name, const char* symbol = nullptr) {
 TEST(LibLoaderTest, FailuresThrowTheirClassCodeAndMessage) {
     const std::string none = "/nonexistent/none.so", unresolved = LIBLOADER_UNRESOLVED;
     const std::string emptyName = "Invalid Argument -202 Empty library libName.";
-    const std::string emptySymbol = "Invalid Argument -202 Empty symbol name.";
     const std::string loading = "Loading Library error -306 ";
-    const std::string notLoaded = "Library not loaded. Can't find symbol name \"fixtureNumber\".";
     // What is done once the first library is loaded, the category, code and
     // message thrown, and whether that library is still loaded afterwards.
     using Action = std::function<void(LibLoader&)>;
@@ -68,18 +66,16 @@ TEST(LibLoaderTest, FailuresThrowTheirClassCodeAndMessage) {
         {[](LibLoader& l) { l.load(static_cast<const char*>(nullptr)); }, emptyName, false},
         {[](LibLoader& l) { l.load(std::string()); }, emptyName, false},
         {[&](LibLoader& l) { l.load(none); },
-         loading + "Error loading library \"" + none + "\": " + loaderError(none), false},
+         loading + "Error loading library \"" + none + "\": " + dlReason(none), false},
         // Fails only because every symbol is bound at once.
         {[&](LibLoader& l) { l.load(unresolved); },
-         loading + "Error loading library \"" + unresolved + "\": " + loaderError(unresolved),
-         false},
-        {[](LibLoader& l) { l.getSymbol(""); }, emptySymbol, true},
+         loading + "Error loading library \"" + unresolved + "\": " + dlReason(unresolved), false},
+        {[](LibLoader& l) { l.getSymbol(""); }, "Invalid Argument -202 Empty symbol name.", true},
         {[](LibLoader& l) { l.getSymbol("missingSymbol"); },
-         loading +
-             "Can't find symbol name \"missingSymbol\": " + loaderError(FIRST, "missingSymbol"),
+         loading + "Can't find symbol name \"missingSymbol\": " + dlReason(FIRST, "missingSymbol"),
          true},
-        {[](LibLoader& l) { l.unload(), l.getSymbol("fixtureNumber"); }, loading + notLoaded,
-         false},
+        {[](LibLoader& l) { l.unload(), l.getSymbol("fixtureNumber"); },
+         loading + "Library not loaded. Can't find symbol name \"fixtureNumber\".", false},
     };
     EXPECT_NE(std::get<1>(rows[3]).find("undefinedFixtureFunction"), std::string::npos);
     for (const auto& [action, expected, stillLoaded] : rows) {

@@ -7,12 +7,9 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 
-#include <thread>
 #include <tuple>
-#include <vector>
 
 namespace {
 
@@ -107,12 +104,11 @@ TEST_F(LoggerTest, RotatesFromOneMebibyte) {
         const QDateTime to = QDateTime::currentDateTime();
         const QString prefix = name.section('.', 0, 0) + "_";
         const QStringList files = QDir(m_dir.path()).entryList({prefix + "*"}, QDir::Files);
+        ASSERT_EQ(files.size(), rotated ? 1 : 0);
         if (!rotated) {
-            EXPECT_EQ(files, QStringList());
             EXPECT_EQ(QFileInfo(path(name)).size(), size + 46) << "the line was not appended";
             continue;
         }
-        ASSERT_EQ(files.size(), 1);
         EXPECT_EQ(QFileInfo(path(files[0])).size(), size);
         // Named after the time of the rotation, in whole seconds.
         const auto nameAt = [&](const QDateTime& t) {
@@ -137,25 +133,6 @@ TEST_F(LoggerTest, RegistrySharesLoggersByName) {
     Logger::setLogger("fresh", fresh);
     Logger::setLogger("emptied", nullptr);
     EXPECT_NE(Logger::getLogger("emptied"), nullptr);
-}
-
-// Threads write through one logger at once: no line mixed into another.
-TEST_F(LoggerTest, ConcurrentThreads) {
-    Logger logger("unit");
-    configure(logger, "threads.log");
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 8; ++t) {
-        threads.emplace_back([&logger] {
-            for (int i = 0; i < 50; ++i)
-                logger.info("line " + std::to_string(i));
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    const QStringList lines = linesOf(path("threads.log"));
-    EXPECT_EQ(lines.filter(QRegularExpression("^\\[[^\\]]{23}\\] \\[INFO\\] \\{unit\\} line \\d+$"))
-                  .size(),
-              400);
 }
 
 }  // namespace

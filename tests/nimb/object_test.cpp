@@ -90,20 +90,18 @@ TEST(ExceptionTest, ClonesCopiesAndAssignmentsOwnADeepCopyOfTheCause) {
     SystemException outer("outer", ERR_SYSTEM);
     outer.setNested(FileNotFoundException("inner", ERR_PATH_NOT_FOUND));
     const Exception* cause = outer.nested();
-    std::unique_ptr<Exception> clone(outer.clone());
-    ASSERT_NE(clone->nested(), nullptr);
-    EXPECT_NE(clone->nested(), cause);
-    EXPECT_EQ(clone->nested()->message() + " " + std::to_string(clone->nested()->code()),
-              "inner -32013");
-    clone.reset();
-    EXPECT_EQ(outer.nested()->message(), "inner");
-
-    SystemException copy(outer);
-    EXPECT_NE(copy.nested(), cause);
+    const std::unique_ptr<Exception> clone(outer.clone());
+    const SystemException copy(outer);
     SystemException assigned("other", 1);
     assigned = outer;
     EXPECT_EQ(assigned.message(), "outer");
-    EXPECT_NE(assigned.nested(), cause);
+    const Exception* const copies[] = {clone.get(), &copy, &assigned};
+    for (const Exception* e : copies) {
+        ASSERT_NE(e->nested(), nullptr);
+        EXPECT_NE(e->nested(), cause);
+        EXPECT_EQ(e->nested()->message() + " " + std::to_string(e->nested()->code()),
+                  "inner -32013");
+    }
 }
 
 }  // namespace

@@ -29,9 +29,7 @@ protected:
             waitpid(pid, nullptr, 0);
         }
     }
-    std::string path(const std::string& name) const {
-        return m_dir.filePath(name.c_str()).toStdString();
-    }
+    std::string path(const std::string& name) const { return m_root + "/" + name; }
     // The first line a child wrote into name, waiting up to 10 s for it.
     std::string read(const std::string& name) const {
         std::string line;
@@ -41,12 +39,12 @@ protected:
     }
 
     QTemporaryDir m_dir;
+    const std::string m_root = m_dir.path().toStdString();
     std::vector<pid_t> m_children;
 };
 
 TEST_F(ProcessTest, ReturnsExitCodeOrSignalNumber) {
-    const std::pair<const char*, int> rows[] = {
-        {"exit 255", 255}, {"kill -9 $$", 9}, {"no-such-command-anywhere 2>/dev/null", 127}};
+    const std::pair<const char*, int> rows[] = {{"exit 255", 255}, {"kill -9 $$", 9}};
     for (const auto& [command, expected] : rows)
         EXPECT_EQ(Process::createNewAndWait(command, 20000), expected) << command;
     // The wait ends with the child, far below the limit.

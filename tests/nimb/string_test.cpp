@@ -13,7 +13,7 @@ using Pieces = std::vector<std::string>;
 
 // The overloads of a family share their code: one or two of each family, at
 // the extremes where a wrong cast or a lost sign would show.
-TEST(StringTest, NumbersAndTexts) {
+TEST(StringTest, NumbersTextsAndSurroundings) {
     EXPECT_EQ(String::intToStr(-5, 4, ' '), "  -5");
     EXPECT_EQ(String::intToStr(ULLONG_MAX), "18446744073709551615");
     EXPECT_EQ(String::intToHex(255, 4, '0', true), "00FF");
@@ -29,9 +29,7 @@ TEST(StringTest, NumbersAndTexts) {
     EXPECT_EQ(String::trim(" \t a b \n"), "a b");
     EXPECT_EQ(String::toUpper("mañana"), "MAÑANA");
     EXPECT_EQ(String::toAscii("Ñandú crème brûlée ½ €"), "Nandu creme brulee 12 ");
-}
-
-TEST(StringTest, SurroundFormatAndTokenize) {
+    // Surrounding, formatting and splitting.
     EXPECT_EQ(String::quote("\"x"), "\"x\"");
     EXPECT_EQ(String::quote(""), "");
     EXPECT_EQ(String::unQuote("\"'x'\""), "x");
