@@ -8,9 +8,10 @@ if(TARGET tessary_ldclient_test)
     target_link_libraries(faultyclient_${variant} PRIVATE tessary)
     set_target_properties(faultyclient_${variant} PROPERTIES
       PREFIX "" OUTPUT_NAME "${variant}" LIBRARY_OUTPUT_DIRECTORY "${faulty_dir}")
+    target_compile_definitions(faultyclient_${variant} PRIVATE
+      FAULTY_NULL_HANDLE=$<STREQUAL:${variant},nullhandle>)
     add_dependencies(tessary_ldclient_test faultyclient_${variant})
   endforeach()
-  target_compile_definitions(faultyclient_nullhandle PRIVATE FAULTY_NULL_HANDLE)
   target_compile_definitions(tessary_ldclient_test PRIVATE FAULTY_CLIENT_DIR="${faulty_dir}/")
   if(TARGET sim_client)
     add_dependencies(tessary_ldclient_test sim_client)

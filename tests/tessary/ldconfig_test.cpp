@@ -38,9 +38,19 @@ T& fake(const char* name) {
     return *static_cast<T*>(dlsym(handle, name));
 }
 
-TEST(LibConfigTest, NothingLoadedThenCallsInOrderWithTheStoredHandle) {
+// A binding and the records that a configuration plug-in fills.
+class LibConfigTest : public ::testing::Test {
+protected:
     LibConfig config;
+    tessary::DetectionConfig detection;
+    tessary::DeviceConfig device;
+    tessary::MonitConfig monit;
     tessary::ClientConfig client;
+};
+
+// With the fake plug-in: calls in order with the handle that the open gave,
+// every failure's message, and the closes of unload().
+TEST_F(LibConfigTest, CallsThePlugInWithItsHandlesAndThrowsEveryMessage) {
     EXPECT_EQ(NOT_LOADED, failure([&] { config.openClientConfig(); }));
     EXPECT_EQ(NOT_LOADED, failure([&] { config.getClientConfig(client); }));
     EXPECT_EQ("no exception", failure([&] { config.closeClientConfig(); }));
@@ -50,13 +60,10 @@ TEST(LibConfigTest, NothingLoadedThenCallsInOrderWithTheStoredHandle) {
     config.load(FAKE_CONFIG);
     std::string& calls = fake<std::string>("fakeCalls");
     calls.clear();
-
-    tessary::MonitConfig monit;
     EXPECT_EQ(NOT_LOADED, failure([&] { config.getMonitConfig(monit); }));  // not open
     config.openMonitConfig();
     config.getMonitConfig(monit);
     config.openDevicesConfig();
-    tessary::DeviceConfig device;
     config.getDeviceConfig(device, 3, 9);
     config.closeDevicesConfig();
     config.closeDevicesConfig();
@@ -66,29 +73,10 @@ TEST(LibConfigTest, NothingLoadedThenCallsInOrderWithTheStoredHandle) {
               "openMonitConfig;getMonitConfig;openDevicesConfig;getDeviceConfig;"
               "closeDevicesConfig;openClientConfig;getClientConfig;");
 
-    // unload() closes all three in order; an extra reference keeps the
-    // plug-in mapped so that its record can be read afterwards.
+    // While the plug-in fails, every entry point throws its own message.
     config.openDevicesConfig();
-    void* keep = dlopen(FAKE_CONFIG, RTLD_NOW);
-    calls.clear();
-    config.unload();
-    EXPECT_FALSE(config.isLoaded());
-    EXPECT_EQ(calls, "closeDevicesConfig;closeMonitConfig;closeClientConfig;");
-    dlclose(keep);
-    EXPECT_EQ(nullptr, dlopen(FAKE_CONFIG, RTLD_NOW | RTLD_NOLOAD));
-}
-
-TEST(LibConfigTest, EveryFailingEntryPointThrowsItsMessage) {
-    LibConfig config;
-    config.load(FAKE_CONFIG);
-    config.openDevicesConfig();
-    config.openMonitConfig();
-    config.openClientConfig();
-    fake<bool>("fakeFailing") = true;
-    tessary::DetectionConfig detection;
-    tessary::DeviceConfig device;
-    tessary::MonitConfig monit;
-    tessary::ClientConfig client;
+    bool& failing = fake<bool>("fakeFailing");
+    failing = true;
     const std::pair<std::function<void()>, std::string> rows[] = {
         {[&] { config.getDetectionConfig(detection); }, "Error getting detection config."},
         {[&] { config.getDeviceConfig(device, 1, 2); }, "Error getting device config."},
@@ -102,18 +90,30 @@ TEST(LibConfigTest, EveryFailingEntryPointThrowsItsMessage) {
         EXPECT_EQ("-305 " + message, failure(call));
     // The null handle of a failed open is kept: the configuration is closed.
     EXPECT_EQ(NOT_LOADED, failure([&] { config.getMonitConfig(monit); }));
+
+    // unload() closes all three in order; an extra reference keeps the
+    // plug-in mapped so that its record can be read afterwards.
+    failing = false;
+    config.openDevicesConfig();
+    config.openMonitConfig();
+    config.openClientConfig();
+    void* keep = dlopen(FAKE_CONFIG, RTLD_NOW);
+    calls.clear();
+    config.unload();
+    EXPECT_FALSE(config.isLoaded());
+    EXPECT_EQ(calls, "closeDevicesConfig;closeMonitConfig;closeClientConfig;");
+    dlclose(keep);
+    EXPECT_EQ(nullptr, dlopen(FAKE_CONFIG, RTLD_NOW | RTLD_NOLOAD));
 }
 
 // The suite's own plug-in, copied into a temporary suite folder, reads the
 // files there and keeps the defaults for what is missing or bad.
-TEST(IniConfigTest, ReadsTheSuiteFolder) {
+TEST_F(LibConfigTest, IniPlugInReadsTheSuiteFolder) {
     QTemporaryDir dir;
     const auto path = [&](const char* name) { return dir.filePath(name).toStdString(); };
     ASSERT_TRUE(QFile::copy(INI_CONFIG, dir.filePath("config.so")));
-    LibConfig config;
     config.load(path("config"));  // the binding adds ".so"
     config.openClientConfig();
-    tessary::ClientConfig client;
     client.shutSvc.webHost = "stale";
     config.getClientConfig(client);
     EXPECT_EQ(tessary::ClientConfig().toString(), client.toString());  // no file yet
@@ -133,7 +133,6 @@ TEST(IniConfigTest, ReadsTheSuiteFolder) {
         path("monit.conf"),
         "[monit]\nrs232.enable=0\n[web]\ntcp.port=5000\n[debug]\nserialhid.level=INFO\n");
     config.openMonitConfig();
-    tessary::MonitConfig monit;
     config.getMonitConfig(monit);
     EXPECT_EQ("monit: {monit.enable=1,rs232.enable=0}", monit.general.toString());
     EXPECT_EQ(5000, monit.server.tcpPort);
@@ -146,13 +145,11 @@ TEST(IniConfigTest, ReadsTheSuiteFolder) {
                        R"({"usbEnable":1,"usb":[{"vendorId":1,"productId":2}],)"
                        R"("serialEnable":0,"serial":["ttyS0"],"baudRate":9600})");
     config.openDevicesConfig();
-    tessary::DeviceConfig device;
     config.getDeviceConfig(device, 2, 7);
     EXPECT_EQ("Box", device.name);
     EXPECT_TRUE(device.caps.hasVInput);
     EXPECT_EQ("-305 Error getting device config.",
               failure([&] { config.getDeviceConfig(device, 2, 8); }));
-    tessary::DetectionConfig detection;
     config.getDetectionConfig(detection);
     EXPECT_EQ(
         "detection: {usb.enable=1,usb=[{vendorId=1,productId=2}],serial.enable=0,"
